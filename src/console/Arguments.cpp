@@ -1,0 +1,120 @@
+// SPDX-License-Identifier: MIT
+#include "console/Arguments.h"
+
+#include <CLI/CLI.hpp>
+#include <iostream>
+#include <map>
+#include <memory>
+
+namespace quillmarsh {
+
+namespace {
+
+constexpr const char* kFooter = R"(
+Examples:
+  quillmarsh-cli search ~/Pictures ~/Backup
+      files of the same name and size below either folder
+  quillmarsh-cli search --match size,modified --no-ignore hidden --format json ~ > groups.json
+  quillmarsh-cli search --include-file '*.jpg' --include-file '*.png' --format null ~/Pictures
+
+A folder is walked once, whatever it is called: links to folders are not entered, and other file
+systems below a folder only when they are named themselves.
+
+Exit codes: 0 done; 1 done, but something could not be read; 2 bad usage or a refused request;
+130 stopped (Ctrl+C), what was written is not whole.)";
+
+// Names an option's kind of value and nothing more; what may stand there is told in the text.
+class PlainFormatter final : public CLI::Formatter {
+ public:
+  std::string make_option_opts(const CLI::Option* option) const override {
+    const std::string type = option->get_type_name();
+    return type.empty() ? "" : " " + type;
+  }
+};
+
+const std::map<std::string, OutputFormat> kFormats = {{"text", OutputFormat::Text},
+                                                      {"json", OutputFormat::Json},
+                                                      {"csv", OutputFormat::Csv},
+                                                      {"null", OutputFormat::Null}};
+
+std::vector<std::string> FormatNames() {
+  std::vector<std::string> names;
+  for (const auto& [name, format] : kFormats) names.push_back(name);
+  return names;
+}
+
+// A list option: values separated by commas, from a fixed set of words.
+void AddWordList(CLI::App& app, const std::string& name, std::vector<std::string>& into,
+                 const std::vector<std::string>& words, const std::string& help) {
+  app.add_option(name, into, help)
+      ->delimiter(',')
+      ->check(CLI::IsMember(words).description(""))
+      ->type_name("LIST")
+      ->allow_extra_args(false)
+      ->multi_option_policy(CLI::MultiOptionPolicy::TakeAll);
+}
+
+void AddRepeatable(CLI::App& app, const std::string& name, std::vector<std::string>& into,
+                   const std::string& type, const std::string& help) {
+  app.add_option(name, into, help)
+      ->type_name(type)
+      ->allow_extra_args(false)
+      ->multi_option_policy(CLI::MultiOptionPolicy::TakeAll);
+}
+
+void AddSearchOptions(CLI::App& app, SearchArguments& search) {
+  app.add_option("FOLDER", search.folders, "Folders to search")->required()->type_name("");
+  AddWordList(app, "--match", search.match, {"name", "size", "created", "modified"},
+              "When files are duplicates: name,size,created,modified (default name,size);\n"
+              "name or size must be among them");
+  app.add_flag("--no-subfolders", search.withoutSubFolders, "Search the named folders only");
+  AddRepeatable(app, "--include-file", search.includeFiles, "MASK",
+                "Only files whose name matches, such as '*.jpg' (repeatable)");
+  AddRepeatable(app, "--exclude-file", search.excludeFiles, "MASK",
+                "No files whose name matches (repeatable)");
+  AddRepeatable(app, "--include-folder", search.includeFolders, "TEXT",
+                "Only subfolders whose path holds this text; one that does not hold it is not\n"
+                "passed on the way to others (repeatable)");
+  AddRepeatable(app, "--exclude-folder", search.excludeFolders, "PATH",
+                "Not this subfolder, nor what is below it (repeatable)");
+  AddWordList(app, "--no-ignore", search.noIgnore,
+              {"zero", "system", "hidden", "temporary", "windows"},
+              "What not to leave out, of zero,system,hidden,temporary,windows: empty files,\n"
+              "system, hidden and temporary files and folders, and the system's own folder\n"
+              "(C:\\Windows, /usr); all are left out by default");
+  app.add_option_function<std::string>(
+         "--format", [&search](const std::string& name) { search.format = kFormats.at(name); },
+         "Output: text (default), json, csv, null (paths ended by NUL, groups by an\nextra NUL)")
+      ->check(CLI::IsMember(FormatNames()).description(""))
+      ->type_name("F");
+  auto* quiet = app.add_flag("--quiet", search.isQuiet, "No summary and no progress");
+  app.add_flag("--progress", search.showsProgress,
+               "Progress on standard error, also where that is no terminal")
+      ->excludes(quiet);
+}
+
+}  // namespace
+
+ParsedCommandLine ParseCommandLine(int argc, const char* const* argv) {
+  CLI::App app("Finds duplicate files.", "quillmarsh-cli");
+  app.formatter(std::make_shared<PlainFormatter>());
+  app.footer("\nquillmarsh-cli search --help tells the options of a search.");
+  app.set_version_flag("--version", std::string("quillmarsh-cli ") + QUILLMARSH_VERSION);
+  app.require_subcommand(1);
+  SearchArguments search;
+  CLI::App* searchCommand =
+      app.add_subcommand("search", "Find and list groups of duplicate files; nothing is changed");
+  AddSearchOptions(*searchCommand, search);
+  searchCommand->footer(kFooter);
+  ParsedCommandLine parsed;
+  try {
+    app.parse(argc, argv);
+    parsed.search = std::move(search);
+  } catch (const CLI::ParseError& error) {
+    parsed.exitCode =
+        app.exit(error, std::cout, std::cerr) == 0 ? ExitCode::Done : ExitCode::Refused;
+  }
+  return parsed;
+}
+
+}  // namespace quillmarsh

@@ -1,0 +1,39 @@
+// SPDX-License-Identifier: MIT
+// The command line of the console program as plain values. Paths and masks stand here as they were
+// typed; what they mean on this machine is found out by the command.
+#pragma once
+
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "console/ExitCodes.h"
+
+namespace quillmarsh {
+
+enum class OutputFormat { Text, Json, Csv, Null };
+
+struct SearchArguments {
+  std::vector<std::string> folders;
+  std::vector<std::string> match;     // name, size, created, modified
+  std::vector<std::string> noIgnore;  // zero, system, hidden, temporary, windows
+  std::vector<std::string> includeFiles;
+  std::vector<std::string> excludeFiles;
+  std::vector<std::string> includeFolders;
+  std::vector<std::string> excludeFolders;
+  bool withoutSubFolders = false;
+  OutputFormat format = OutputFormat::Text;
+  bool isQuiet = false;
+  bool showsProgress = false;  // also where standard error is no terminal
+};
+
+struct ParsedCommandLine {
+  std::optional<SearchArguments> search;
+  ExitCode exitCode = ExitCode::Done;  // when there is no command to run
+};
+
+// Reads the command line. Help goes to standard output, a mistake to standard error with what is
+// wrong.
+[[nodiscard]] ParsedCommandLine ParseCommandLine(int argc, const char* const* argv);
+
+}  // namespace quillmarsh

@@ -1,0 +1,28 @@
+// SPDX-License-Identifier: MIT
+#include "console/ConsoleLog.h"
+
+#include "console/StandardStreams.h"
+
+namespace quillmarsh {
+
+namespace {
+
+// The system's texts end in a line break.
+TextView WithoutLineBreak(TextView text) {
+  while (!text.empty() && (text.back() == u'\n' || text.back() == u'\r')) text.remove_suffix(1);
+  return text;
+}
+
+}  // namespace
+
+void ConsoleLog::Add(std::int32_t kind, TextView, TextView fileSpec, TextView,
+                     std::int32_t errorNumber, TextView errorText, TextView, bool&) {
+  if (kind != log_kind::GetSubFoldersError) return;
+  mErrorCount += 1;
+  const TextView reason = WithoutLineBreak(errorText);
+  PrintError("could not read all of \"" + ToUtf8(fileSpec) +
+             "\": " + (reason.empty() ? "unknown reason" : ToUtf8(reason)) + " (" +
+             std::to_string(errorNumber) + ")");
+}
+
+}  // namespace quillmarsh

@@ -1,0 +1,49 @@
+// SPDX-License-Identifier: MIT
+#include "console/ProgramObjects.h"
+
+#include "frame/ErrorReporting.h"
+#include "frame/ProgramFlags.h"
+#include "fsobjects/cFSXFolderPathsList.h"
+#include "fsobjects/cFileSpecParser.h"
+#include "settings/OptionsFolder.h"
+#include "settings/clsDupeSettings.h"
+
+namespace quillmarsh {
+
+ProgramObjects::ProgramObjects(Machine& machine) {
+  UseMachine(&machine);
+  machine.SetPatience(&mPatience);
+  gViews = {&mMessages, nullptr, &mPump};
+  gFolderPathsList = std::make_unique<cFSXFolderPathsList>();
+  gDupeSettings = std::make_unique<clsDupeSettings>();
+  auto log = std::make_unique<ConsoleLog>();
+  mLog = log.get();
+  gLog = std::move(log);
+  gFileSpecParser = std::make_unique<cFileSpecParser>();
+  gIsWow64 = machine.Process().IsWow64Process();
+  SetErrorDetailFolder(GetIniFileFolder);
+}
+
+ProgramObjects::~ProgramObjects() {
+  EndProgress();
+  SetErrorDetailFolder({});
+  gFileSpecParser.reset();
+  gLog.reset();
+  gDupeSettings.reset();
+  gFolderPathsList.reset();
+  gViews = {};
+  TheMachine().SetPatience(nullptr);
+  UseMachine(nullptr);
+}
+
+void ProgramObjects::BeginProgress(bool isTerminal) {
+  mProgress = std::make_unique<ConsoleProgress>(isTerminal);
+  gViews.status = mProgress.get();
+}
+
+void ProgramObjects::EndProgress() {
+  gViews.status = nullptr;
+  mProgress.reset();
+}
+
+}  // namespace quillmarsh

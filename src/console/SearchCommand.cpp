@@ -1,0 +1,174 @@
+// SPDX-License-Identifier: MIT
+#include "console/SearchCommand.h"
+
+#include <algorithm>
+
+#include "console/ResultsWriters.h"
+#include "console/StandardStreams.h"
+#include "frame/ErrorReporting.h"
+#include "frame/ProgramFlags.h"
+#include "fsobjects/modPaths.h"
+#include "platform/Machine.h"
+#include "search/cSearchSession.h"
+
+namespace quillmarsh {
+
+namespace {
+
+std::string ReasonOf(std::uint32_t code) {
+  std::string text = ToUtf8(GetSystemErrorText(code));
+  while (!text.empty() && (text.back() == '\n' || text.back() == '\r')) text.pop_back();
+  return text;
+}
+
+bool Has(const std::vector<std::string>& words, std::string_view word) {
+  return std::find(words.begin(), words.end(), word) != words.end();
+}
+
+// A list text that means exactly these entries: a single one with a comma in it would otherwise be
+// taken for a list of two.
+Text ListText(const std::vector<Text>& entries) {
+  Text list;
+  for (const Text& entry : entries) {
+    if (!list.empty()) list += kListSeparator;
+    list += entry;
+  }
+  if (entries.size() == 1 && list.find(u',') != Text::npos) list += Text(kListSeparator) + list;
+  return list;
+}
+
+// The drive form of each location. Every one that cannot be searched is told, with the reason; none
+// at all is answered when there is such a one.
+std::vector<Text> LocationsFrom(const std::vector<std::string>& folders) {
+  Machine& machine = TheMachine();
+  std::vector<Text> locations;
+  bool areAllUsable = true;
+  for (const std::string& folder : folders) {
+    const CanonicalLocation location = machine.Drives().LocationFromNative(folder);
+    std::string reason;
+    if (location.error != 0) {
+      reason = ReasonOf(location.error);
+    } else {
+      const std::uint32_t attributes = machine.Files().GetFileAttributesW(location.path);
+      if (attributes == INVALID_FILE_ATTRIBUTES) {
+        reason = ReasonOf(machine.GetLastError());
+      } else if ((attributes & FILE_ATTRIBUTE_DIRECTORY) == 0) {
+        reason = "It is a file, not a folder.";
+      }
+    }
+    if (reason.empty()) {
+      locations.push_back(location.path);
+    } else {
+      areAllUsable = false;
+      PrintError("cannot search \"" + folder + "\": " + reason);
+    }
+  }
+  if (!areAllUsable) locations.clear();
+  return locations;
+}
+
+std::vector<Text> MasksFrom(const std::vector<std::string>& masks) {
+  std::vector<Text> texts;
+  for (const std::string& mask : masks) {
+    texts.push_back(TheMachine().Drives().TextFromNative(mask, NativeTextKind::Mask));
+  }
+  return texts;
+}
+
+std::vector<Text> FolderTextsFrom(const std::vector<std::string>& fragments) {
+  std::vector<Text> texts;
+  for (const std::string& fragment : fragments) {
+    texts.push_back(TheMachine().Drives().TextFromNative(fragment, NativeTextKind::PathFragment));
+  }
+  return texts;
+}
+
+// Folders to leave out, as the walk will name them.
+std::vector<Text> ExcludedFoldersFrom(const std::vector<std::string>& paths) {
+  std::vector<Text> texts;
+  for (const std::string& path : paths) {
+    const CanonicalLocation location = TheMachine().Drives().LocationFromNative(path);
+    if (location.error != 0) {
+      PrintError("nothing to exclude at \"" + path + "\": " + ReasonOf(location.error));
+      continue;
+    }
+    texts.push_back(AddBackslash(location.path));
+  }
+  return texts;
+}
+
+void SetOptions(const SearchArguments& arguments, clsDupeSettings& settings) {
+  settings.SetIncludeSubFolders(!arguments.withoutSubFolders);
+  if (!arguments.match.empty()) {
+    settings.SetNamesMatch(Has(arguments.match, "name"));
+    settings.SetSizesMatch(Has(arguments.match, "size"));
+    settings.SetCreateTimeStampsMatch(Has(arguments.match, "created"));
+    settings.SetLastModTimeStampsMatch(Has(arguments.match, "modified"));
+  }
+  const std::vector<std::string>& kept = arguments.noIgnore;
+  settings.SetIgnoreZeroByteFiles(!Has(kept, "zero"));
+  settings.SetIgnoreSystemFiles(!Has(kept, "system"));
+  settings.SetIgnoreSystemFolders(!Has(kept, "system"));
+  settings.SetIgnoreHiddenFiles(!Has(kept, "hidden"));
+  settings.SetIgnoreHiddenFolders(!Has(kept, "hidden"));
+  settings.SetIgnoreTemporaryFiles(!Has(kept, "temporary"));
+  settings.SetIgnoreTemporaryFolders(!Has(kept, "temporary"));
+  settings.SetIgnoreFilesInWindowsDir(!Has(kept, "windows"));
+  settings.SetIncludeFiles(ListText(MasksFrom(arguments.includeFiles)));
+  settings.SetExcludeFiles(ListText(MasksFrom(arguments.excludeFiles)));
+  settings.SetIncludeFolders(ListText(FolderTextsFrom(arguments.includeFolders)));
+  settings.SetExcludeFolders(ListText(ExcludedFoldersFrom(arguments.excludeFolders)));
+}
+
+// Places below the locations that could not be entered even by name, since no letter was left.
+void TellPlacesWithoutLetter(const std::vector<Text>& locations) {
+  const Volumes& volumes = TheMachine().Drives();
+  for (const Text& place : volumes.PlacesWithoutLetter()) {
+    const bool isBelow = std::any_of(locations.begin(), locations.end(), [&](const Text& location) {
+      return place.starts_with(volumes.ShownPath(AddBackslash(location)));
+    });
+    if (!isBelow) continue;
+    PrintError("no drive letter was left for \"" + ToUtf8(place) + "\"; it was not searched");
+  }
+}
+
+}  // namespace
+
+ExitCode RunSearch(const SearchArguments& arguments, ProgramObjects& objects) {
+  const std::vector<Text> locations = LocationsFrom(arguments.folders);
+  if (locations.empty()) return ExitCode::Refused;
+  SetOptions(arguments, *gDupeSettings);
+
+  const bool isTerminal = TheMachine().Process().IsConsole(StandardStream::Error);
+  if (arguments.showsProgress || (isTerminal && !arguments.isQuiet))
+    objects.BeginProgress(isTerminal);
+  cSearchResults results;
+  ConsoleSearchView view(locations);
+  cSearchSession session(results, *gDupeSettings, view);
+  const SearchOutcome outcome = session.FindDuplicateFiles();
+  objects.EndProgress();
+  switch (outcome) {
+    case SearchOutcome::Refused:
+      return ExitCode::Refused;
+    case SearchOutcome::Stopped:
+      PrintError("stopped; nothing is listed");
+      return ExitCode::Stopped;
+    case SearchOutcome::Failed:
+      PrintError("the search failed; nothing is listed");
+      return ExitCode::SomeFilesFailed;
+    case SearchOutcome::Complete:
+      break;
+  }
+  StandardOutput output;
+  const bool isWhole = WriteResults(results, session.FilesSearched(),
+                                    {arguments.format, !arguments.isQuiet}, output);
+  if (!output.Finish()) return ExitCode::SomeFilesFailed;
+  if (!isWhole) {
+    PrintError("stopped; the list is not whole");
+    return ExitCode::Stopped;
+  }
+  TellPlacesWithoutLetter(locations);
+  return objects.ErrorCount() > 0 ? ExitCode::SomeFilesFailed : ExitCode::Done;
+}
+
+}  // namespace quillmarsh

@@ -1,0 +1,11 @@
+// SPDX-License-Identifier: MIT
+#include "frame/ProgramFlags.h"
+
+namespace quillmarsh {
+
+bool gUserAbort = false;
+bool gStopCRC = false;
+bool gFSOCancelled = false;
+bool gIsWow64 = false;
+
+}  // namespace quillmarsh

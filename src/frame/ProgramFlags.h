@@ -1,0 +1,13 @@
+// SPDX-License-Identifier: MIT
+// Program-wide flags. Plain variables: there is one thread of logic, and whoever runs inside a pump
+// sets them for the loop underneath to see.
+#pragma once
+
+namespace quillmarsh {
+
+extern bool gUserAbort;     // the user asked to stop the search or removal
+extern bool gStopCRC;       // a running checksum is to give up
+extern bool gFSOCancelled;  // a copy, move or delete run was cancelled
+extern bool gIsWow64;       // file-system redirection is switched off around file work
+
+}  // namespace quillmarsh

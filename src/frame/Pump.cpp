@@ -1,0 +1,72 @@
+// SPDX-License-Identifier: MIT
+#include "frame/Pump.h"
+
+#include <algorithm>
+
+#include "frame/ProgramFlags.h"
+#include "frame/Views.h"
+
+namespace quillmarsh {
+
+namespace {
+
+using Clock = std::chrono::steady_clock;
+
+constexpr Clock::duration kShortestInterval = std::chrono::milliseconds(16);
+constexpr int kShareOfTime = 4;  // a pump that lasts long may take at most a fifth of the time
+constexpr std::uint32_t kWorthAPump = QS_KEY | QS_MOUSEBUTTON | QS_PAINT | QS_HOTKEY;  // 165
+
+Clock::time_point nextDue{};
+Clock::time_point lastChance{};
+Clock::duration longestGap{};
+bool isPumping = false;
+
+// Marks the pump as running, also when an event's handler raises.
+struct PumpingScope {
+  PumpingScope() { isPumping = true; }
+  ~PumpingScope() { isPumping = false; }
+};
+
+void PumpAt(Clock::time_point start) {
+  {
+    const PumpingScope scope;
+    gViews.pump->PumpEvents();
+  }
+  const Clock::time_point end = Clock::now();
+  nextDue = end + std::max(kShortestInterval, kShareOfTime * (end - start));
+  lastChance = end;
+}
+
+}  // namespace
+
+void DoEvents_Fast() {
+  if (isPumping || gViews.pump == nullptr) return;
+  const Clock::time_point now = Clock::now();
+  if (lastChance != Clock::time_point{}) longestGap = std::max(longestGap, now - lastChance);
+  lastChance = now;
+  if (now < nextDue) return;
+  nextDue = now + kShortestInterval;
+  if (TheMachine().Queue().GetQueueStatus(kWorthAPump) == 0) return;
+  PumpAt(now);
+}
+
+void DoEvents() {
+  if (isPumping || gViews.pump == nullptr) return;
+  PumpAt(Clock::now());
+}
+
+PumpGap LongestPumpGap() {
+  return {longestGap};
+}
+
+void ResetPumpGap() {
+  longestGap = {};
+  lastChance = {};
+}
+
+bool PumpingPatience::KeepWaiting() {
+  DoEvents_Fast();
+  return !gUserAbort;
+}
+
+}  // namespace quillmarsh

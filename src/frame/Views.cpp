@@ -1,0 +1,30 @@
+// SPDX-License-Identifier: MIT
+#include "frame/Views.h"
+
+namespace quillmarsh {
+
+Views gViews;
+
+MessageBoxResult ShowMessageBox(const MessageBoxRequest& request) {
+  if (gViews.messages != nullptr) return gViews.messages->Show(request);
+  switch (request.buttons) {
+    case MessageBoxButtons::Ok:
+      return MessageBoxResult::Ok;
+    case MessageBoxButtons::YesNo:
+      return MessageBoxResult::No;
+    case MessageBoxButtons::OkCancel:
+    case MessageBoxButtons::YesNoCancel:
+      break;
+  }
+  return MessageBoxResult::Cancel;
+}
+
+void SetPanel(TextView key, TextView text) {
+  if (gViews.status != nullptr) gViews.status->SetPanel(key, text);
+}
+
+void SetPanelToolTip(TextView key, TextView text) {
+  if (gViews.status != nullptr) gViews.status->SetPanelToolTip(key, text);
+}
+
+}  // namespace quillmarsh

@@ -1,0 +1,69 @@
+// SPDX-License-Identifier: MIT
+// What the program's logic asks of a person or shows to one: message boxes, status panels, the
+// progress bar and the pump. Three implementations exist: the window, the console and a scripted
+// one for tests. The views in use are set by the entry, which owns them; nothing here is owned.
+#pragma once
+
+#include "base/Text.h"
+
+namespace quillmarsh {
+
+enum class MessageBoxIcon { None, Exclamation, Information, Question, Stop };
+enum class MessageBoxButtons { Ok, OkCancel, YesNo, YesNoCancel };
+enum class MessageBoxResult { Ok, Cancel, Yes, No };
+
+struct MessageBoxRequest {
+  Text text;
+  Text title;
+  MessageBoxIcon icon = MessageBoxIcon::None;
+  MessageBoxButtons buttons = MessageBoxButtons::Ok;
+  MessageBoxResult defaultButton = MessageBoxResult::Ok;
+};
+
+class MessageView {
+ public:
+  virtual ~MessageView() = default;
+  // Modal: returns when the person has answered.
+  virtual MessageBoxResult Show(const MessageBoxRequest& request) = 0;
+};
+
+// Keys of the status panels.
+inline constexpr TextView PANEL1 = u"PANEL1";
+inline constexpr TextView PANEL2 = u"PANEL2";
+inline constexpr TextView FILES_SEARCHED = u"FILES_SEARCHED";
+inline constexpr TextView DUPLICATES = u"DUPLICATES";
+inline constexpr TextView FILES_SELECTED = u"FILES_SELECTED";
+
+class StatusView {
+ public:
+  virtual ~StatusView() = default;
+  virtual void SetPanel(TextView key, TextView text) = 0;
+  virtual void SetPanelToolTip(TextView key, TextView text) = 0;
+  // The bar `pbProgress`. Hiding it also sets it back to minimum 0, maximum 1, value 0.
+  virtual void ShowProgress(int maximum) = 0;
+  virtual void SetProgress(int value) = 0;
+  virtual void HideProgress() = 0;
+};
+
+class PumpView {
+ public:
+  virtual ~PumpView() = default;
+  // Lets waiting events run: Stop, Esc, repaint. May set the program-wide flags.
+  virtual void PumpEvents() = 0;
+};
+
+struct Views {
+  MessageView* messages = nullptr;
+  StatusView* status = nullptr;
+  PumpView* pump = nullptr;
+};
+
+// The views in use. Without a message view a box is answered with Cancel or No (or OK where it has
+// only that); without a status view nothing is shown; without a pump nothing runs.
+extern Views gViews;
+
+MessageBoxResult ShowMessageBox(const MessageBoxRequest& request);
+void SetPanel(TextView key, TextView text);
+void SetPanelToolTip(TextView key, TextView text);
+
+}  // namespace quillmarsh

@@ -1,0 +1,73 @@
+// SPDX-License-Identifier: MIT
+// One reader of blocks under both facts. A failure anywhere makes the fact unknown, never partial.
+#include "fsobjects/WholeFileReading.h"
+
+#include <glib.h>
+
+#include <array>
+#include <memory>
+#include <vector>
+
+#include "fsobjects/Handles.h"
+#include "fsobjects/modUnicode.h"
+
+namespace quillmarsh {
+namespace {
+
+constexpr std::size_t kBlockBytes = std::size_t{256} * 1024;
+constexpr std::uint32_t kShareAll = FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE;
+
+// Hands the file's blocks to `take` one after the other; false when it could not be read to its
+// end.
+template <typename Take>
+bool ReadBlocks(TextView path, Take&& take) {
+  const RedirectionOff redirection;
+  FileInputOutput& files = TheMachine().Files();
+  const FileHandle file(files.CreateFileW(ToLongPath(path), GENERIC_READ, kShareAll, OPEN_EXISTING,
+                                          FILE_FLAG_SEQUENTIAL_SCAN));
+  if (!file.IsValid()) return false;
+  std::vector<std::byte> block(kBlockBytes);
+  std::uint32_t done = 0;
+  while (files.ReadFile(file.Get(), block, done)) {
+    if (done == 0) return true;
+    take(std::span<const std::byte>(block).first(done));
+  }
+  return false;
+}
+
+struct ChecksumRelease {
+  void operator()(GChecksum* checksum) const { g_checksum_free(checksum); }
+};
+
+constexpr bool IsPlainText(unsigned byte) {
+  return byte == '\t' || byte == '\n' || byte == '\r' || (byte >= 0x20 && byte <= 0x7E);
+}
+
+}  // namespace
+
+std::optional<Text> Md5OfFile(TextView path) {
+  const std::unique_ptr<GChecksum, ChecksumRelease> digest(g_checksum_new(G_CHECKSUM_MD5));
+  const bool whole = ReadBlocks(path, [&](std::span<const std::byte> block) {
+    g_checksum_update(digest.get(), reinterpret_cast<const guchar*>(block.data()),
+                      static_cast<gssize>(block.size()));
+  });
+  if (!whole) return std::nullopt;
+  return FromUtf8(g_checksum_get_string(digest.get()));
+}
+
+std::optional<std::int32_t> PlainTextPercentage(TextView path, bool highCharactersToo) {
+  std::array<std::uint64_t, 256> counts{};
+  const bool whole = ReadBlocks(path, [&](std::span<const std::byte> block) {
+    for (const std::byte byte : block) ++counts[std::to_integer<std::size_t>(byte)];
+  });
+  if (!whole) return std::nullopt;
+  std::uint64_t all = 0;
+  std::uint64_t plain = 0;
+  for (unsigned byte = 0; byte < counts.size(); ++byte) {
+    all += counts[byte];
+    if (IsPlainText(byte) || (highCharactersToo && byte >= 0x80)) plain += counts[byte];
+  }
+  return all == 0 ? 0 : static_cast<std::int32_t>(plain * 100 / all);
+}
+
+}  // namespace quillmarsh

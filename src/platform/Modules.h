@@ -1,0 +1,58 @@
+// SPDX-License-Identifier: MIT
+// The running process: where its program lies, its current folder, the version of the system, and
+// the file-system redirection of a 32-bit process on a 64-bit system.
+#pragma once
+
+#include "platform/CallHook.h"
+#include "platform/SystemTypes.h"
+
+namespace quillmarsh {
+
+struct SystemVersion {
+  std::uint32_t dwMajorVersion = 0;
+  std::uint32_t dwPlatformId = 0;
+  friend bool operator==(const SystemVersion&, const SystemVersion&) = default;
+};
+
+enum class StandardStream { Input = 0, Output = 1, Error = 2 };
+
+class Modules : public Role {
+ public:
+  using Role::Role;
+
+  // The whole path of the running program; empty on failure.
+  [[nodiscard]] Text GetModuleFileNameW() {
+    return Run(Operation::GetModuleFileNameW, {}, Text(), [&] { return DoGetProgram(); });
+  }
+  [[nodiscard]] Text GetCurrentDirectoryW() {
+    return Run(Operation::GetCurrentDirectoryW, {}, Text(), [&] { return DoGetCurrentFolder(); });
+  }
+  [[nodiscard]] SystemVersion GetVersionExW() {
+    return Run(Operation::GetVersionExW, {}, SystemVersion(), [&] { return DoGetVersion(); });
+  }
+  // Whether a person sits at the other end of a standard stream.
+  [[nodiscard]] bool IsConsole(StandardStream stream) { return DoIsConsole(stream); }
+  [[nodiscard]] bool IsWow64Process() {
+    return Run(Operation::IsWow64Process, {}, false, [&] { return DoIsWow64(); });
+  }
+  // Both count: the redirection is on again after as many reverts as disables.
+  bool Wow64DisableWow64FsRedirection() {
+    return Run(Operation::Wow64DisableWow64FsRedirection, {}, false,
+               [&] { return DoDisableRedirection(); });
+  }
+  bool Wow64RevertWow64FsRedirection() {
+    return Run(Operation::Wow64RevertWow64FsRedirection, {}, false,
+               [&] { return DoRevertRedirection(); });
+  }
+
+ private:
+  virtual Text DoGetProgram() = 0;
+  virtual Text DoGetCurrentFolder() = 0;
+  virtual SystemVersion DoGetVersion() = 0;
+  virtual bool DoIsConsole(StandardStream) { return false; }
+  virtual bool DoIsWow64() = 0;
+  virtual bool DoDisableRedirection() = 0;
+  virtual bool DoRevertRedirection() = 0;
+};
+
+}  // namespace quillmarsh

@@ -1,0 +1,47 @@
+// SPDX-License-Identifier: MIT
+// What the desktop's shell knows: its special folders, the places of the Recycle Bin and the names
+// of file types. Folders come without a final backslash, as the calls give them.
+#pragma once
+
+#include <vector>
+
+#include "platform/CallHook.h"
+#include "platform/SystemTypes.h"
+
+namespace quillmarsh {
+
+class Shell : public Role {
+ public:
+  using Role::Role;
+
+  // The folder of a CSIDL; empty when there is none.
+  [[nodiscard]] Text SHGetFolderPathW(std::int32_t csidl) {
+    return Run(Operation::SHGetFolderPathW, {}, Text(), [&] { return DoGetFolder(csidl); });
+  }
+  // SHGetSpecialFolderLocation and SHGetPathFromIDListA in one: the path behind a shell item, empty
+  // for a virtual one, which the Recycle Bin usually is.
+  [[nodiscard]] Text SHGetSpecialFolderPath(std::int32_t csidl) {
+    return Run(Operation::SHGetSpecialFolderPath, {}, Text(), [&] { return DoGetItemPath(csidl); });
+  }
+  // With a final backslash; empty on failure.
+  [[nodiscard]] Text GetTempPathW() {
+    return Run(Operation::GetTempPathW, {}, Text(), [&] { return DoGetTempPath(); });
+  }
+  // The shell's name for the type of a file by its name alone; empty on failure.
+  [[nodiscard]] Text SHGetFileInfoW(TextView name) {
+    return Run(Operation::SHGetFileInfoW, name, Text(), [&] { return DoGetTypeName(name); });
+  }
+
+  // Texts that mark a path as lying in the Recycle Bin when they occur anywhere in it. Empty where
+  // the bin's place follows from the file system of the drive.
+  [[nodiscard]] std::vector<Text> RecycleBinMarks() { return DoRecycleBinMarks(); }
+
+ private:
+  virtual Text DoGetFolder(std::int32_t csidl) = 0;
+  virtual Text DoGetItemPath(std::int32_t csidl) = 0;
+  virtual Text DoGetTempPath() = 0;
+  virtual Text DoGetTypeName(TextView name) = 0;
+  virtual std::vector<Text> DoRecycleBinMarks() = 0;
+};
+
+}  // namespace quillmarsh

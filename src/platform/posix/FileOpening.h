@@ -1,0 +1,30 @@
+// SPDX-License-Identifier: MIT
+// Opening and creating one file or folder by its path in drive form, with the rules of this
+// machine: no links, regular files only, a file without an owner write bit is not written to.
+// Functions without state; any thread may call them.
+#pragma once
+
+#include "platform/posix/PosixContext.h"
+
+namespace quillmarsh {
+
+struct OpenRequest {
+  std::uint32_t access = 0;       // GENERIC_..., FILE_APPEND_DATA
+  std::uint32_t disposition = 0;  // OPEN_EXISTING and the others
+  std::uint32_t flags = 0;        // FILE_FLAG_...
+};
+
+struct OpenedFile {
+  UniqueFd fd;
+  bool existed = false;
+};
+
+// Answers a code.
+[[nodiscard]] std::uint32_t OpenFileAt(const PathResolver& resolver, const Located& located,
+                                       const OpenRequest& request, OpenedFile& opened);
+
+// Reads until the buffer is full or the file ends. Answers an errno; `done` counts what was read.
+[[nodiscard]] int ReadFully(int fd, std::byte* buffer, std::size_t size, std::int64_t position,
+                            std::size_t& done);
+
+}  // namespace quillmarsh

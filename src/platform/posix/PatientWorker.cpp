@@ -1,0 +1,97 @@
+// SPDX-License-Identifier: MIT
+// The helper thread for calls on file systems that may not answer.
+#include "platform/posix/PatientWorker.h"
+
+#include <chrono>
+#include <condition_variable>
+#include <mutex>
+
+#include "platform/Machine.h"
+
+namespace quillmarsh {
+namespace {
+
+constexpr std::chrono::milliseconds AskInterval{10};
+constexpr std::chrono::milliseconds FarewellLimit{200};
+
+}  // namespace
+
+struct PatientWorker::Shared {
+  std::mutex mutex;
+  std::condition_variable changed;
+  std::function<void()> job;
+  bool busy = false;
+  bool done = false;
+  bool quit = false;
+  bool exited = false;
+};
+
+PatientWorker::~PatientWorker() {
+  LetGo();
+}
+
+void PatientWorker::LetGo() {
+  if (mShared == nullptr) return;
+  const std::shared_ptr<Shared> shared = std::move(mShared);
+  std::unique_lock lock(shared->mutex);
+  shared->quit = true;
+  shared->changed.notify_all();
+  // A thread without a job leaves at once.
+  const bool free = !shared->busy;
+  const bool exited =
+      free && shared->changed.wait_for(lock, FarewellLimit, [&] { return shared->exited; });
+  lock.unlock();
+  if (exited)
+    mThread.join();
+  else
+    mThread.detach();
+}
+
+void PatientWorker::Work(const std::shared_ptr<Shared>& shared) {
+  std::unique_lock lock(shared->mutex);
+  while (!shared->quit) {
+    if (shared->job == nullptr) {
+      shared->changed.wait(lock);
+      continue;
+    }
+    std::function<void()> job = std::move(shared->job);
+    shared->job = nullptr;
+    lock.unlock();
+    job();
+    job = nullptr;  // what the job owns may take its time to go, too
+    lock.lock();
+    shared->busy = false;
+    shared->done = true;
+    shared->changed.notify_all();
+  }
+  shared->exited = true;
+  shared->changed.notify_all();
+}
+
+bool PatientWorker::Run(std::function<void()> job) {
+  if (mShared == nullptr) {
+    mShared = std::make_shared<Shared>();
+    mThread = std::thread([shared = mShared] { Work(shared); });
+  }
+  const std::shared_ptr<Shared> shared = mShared;
+  std::unique_lock lock(shared->mutex);
+  // A patience that runs another command in the middle of a wait must not disturb the first job.
+  if (shared->busy) return false;
+  shared->busy = true;
+  shared->done = false;
+  shared->job = std::move(job);
+  shared->changed.notify_all();
+  while (!shared->changed.wait_for(lock, AskInterval, [&] { return shared->done; })) {
+    lock.unlock();
+    Patience* const patience = mPatience ? mPatience() : nullptr;
+    const bool keep = patience == nullptr || patience->KeepWaiting();
+    if (!keep) {
+      LetGo();
+      return false;
+    }
+    lock.lock();
+  }
+  return true;
+}
+
+}  // namespace quillmarsh

@@ -1,0 +1,35 @@
+// SPDX-License-Identifier: MIT
+// Runs a call that may hang on a thread of its own while the caller waits and asks now and then
+// whether to go on waiting. A thread that is given up is left behind with its job; the job must own
+// everything that it touches. One caller at a time.
+#pragma once
+
+#include <functional>
+#include <memory>
+#include <thread>
+
+namespace quillmarsh {
+
+class Patience;
+
+class PatientWorker {
+ public:
+  explicit PatientWorker(std::function<Patience*()> patience) : mPatience(std::move(patience)) {}
+  ~PatientWorker();
+  PatientWorker(const PatientWorker&) = delete;
+  PatientWorker& operator=(const PatientWorker&) = delete;
+
+  // False when it was given up; the job may still end some day.
+  [[nodiscard]] bool Run(std::function<void()> job);
+
+ private:
+  struct Shared;
+  static void Work(const std::shared_ptr<Shared>& shared);
+  void LetGo();
+
+  const std::function<Patience*()> mPatience;
+  std::shared_ptr<Shared> mShared;  // null until the first job and after one was given up
+  std::thread mThread;
+};
+
+}  // namespace quillmarsh

@@ -1,0 +1,60 @@
+// SPDX-License-Identifier: MIT
+// Finding a path's drive and an entry's facts.
+#include "platform/posix/PosixContext.h"
+
+#include <cerrno>
+
+#include "platform/posix/ErrnoCodes.h"
+
+namespace quillmarsh {
+namespace {
+
+std::uint32_t ReadFacts(const PathResolver& resolver, const Located& located, EntryFacts& entry) {
+  UniqueFd parent;
+  if (const std::uint32_t error = OpenParent(resolver, located, parent)) return error;
+  const std::string name(located.path.Name());
+  const bool isRoot = name.empty();
+  const int flags = isRoot ? AT_EMPTY_PATH : FactsOfEntryItself;
+  if (::statx(parent.Get(), name.c_str(), flags, FactsWanted, &entry.facts) != 0)
+    return SystemErrorFromErrno(errno);
+  entry.kind = isRoot ? EntryKind::Folder : KindOf(entry.facts);
+  const bool careful = located.table->mounts.HasAutomounts();
+  if (entry.kind == EntryKind::FileLink &&
+      resolver.LinkLeadsToFolder(parent.Get(), name.c_str(), careful))
+    entry.kind = EntryKind::FolderLink;
+  if (entry.kind == EntryKind::Other && !S_ISREG(entry.facts.stx_mode)) return ERROR_ACCESS_DENIED;
+  const bool isFolder = S_ISDIR(entry.facts.stx_mode) || entry.kind == EntryKind::FolderLink;
+  return located.path.endsInBackslash && !isFolder ? ERROR_INVALID_NAME : ERROR_SUCCESS;
+}
+
+}  // namespace
+
+std::uint32_t OpenParent(const PathResolver& resolver, const Located& located, UniqueFd& parent) {
+  UniqueFd root;
+  if (const std::uint32_t error = resolver.OpenRoot(*located.drive, root)) return error;
+  const std::string_view folder = located.path.Parent();
+  if (folder.empty()) {
+    parent = std::move(root);
+    return ERROR_SUCCESS;
+  }
+  const int error = resolver.OpenFolder(root.Get(), folder, parent);
+  const std::uint32_t code = SystemErrorFromErrno(error);
+  return code == ERROR_FILE_NOT_FOUND ? ERROR_PATH_NOT_FOUND : code;
+}
+
+std::uint32_t PosixContext::Locate(TextView path, Located& located) const {
+  if (const std::uint32_t error = ParseDrivePath(path, located.path)) return error;
+  located.table = letters->Current();
+  located.drive = located.table->ByLetter(located.path.letter);
+  if (located.drive != nullptr) return ERROR_SUCCESS;
+  const bool isAway = located.table->remembered.find(located.path.letter) != std::string::npos;
+  return isAway ? ERROR_NOT_READY : ERROR_PATH_NOT_FOUND;
+}
+
+std::uint32_t PosixContext::LookAt(const Located& located, EntryFacts& entry) {
+  return Run(located.drive->kind.answers, entry, [located, shared = resolver](EntryFacts& found) {
+    return ReadFacts(*shared, located, found);
+  });
+}
+
+}  // namespace quillmarsh

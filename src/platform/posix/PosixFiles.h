@@ -1,0 +1,56 @@
+// SPDX-License-Identifier: MIT
+// Files on POSIX. A file is opened without waiting and without following a link, and must be a
+// regular file. The system knows no share modes: `share` is accepted and means nothing, so no open
+// ever fails because another program has the file open. Files keep their own position, so that a
+// read that was given up cannot move it later.
+#pragma once
+
+#include <memory>
+
+#include "platform/FileInputOutput.h"
+#include "platform/posix/HandleTable.h"
+#include "platform/posix/PosixContext.h"
+
+namespace quillmarsh {
+
+class PosixFiles final : public FileInputOutput {
+ public:
+  PosixFiles(CallState& state, PosixContext& context);
+
+ private:
+  struct OpenFile {
+    // Shared with a read that hangs, which then is the one to close the file.
+    std::shared_ptr<UniqueFd> fd;
+    std::string name;  // hidden or not shows in it
+    bool answers = true;
+    bool reads = false;
+    bool writes = false;
+    bool appends = false;  // writes, but at the end only
+    std::int64_t position = 0;
+    std::uint32_t volumeSerial = 0;
+  };
+
+  HANDLE DoCreateFile(TextView path, std::uint32_t access, std::uint32_t share,
+                      std::uint32_t disposition, std::uint32_t flags) override;
+  bool DoGetInformation(HANDLE file, BY_HANDLE_FILE_INFORMATION& information) override;
+  bool DoRead(HANDLE file, std::span<std::byte> buffer, std::uint32_t& done) override;
+  bool DoWrite(HANDLE file, std::span<const std::byte> bytes, std::uint32_t& done) override;
+  bool DoSetPointer(HANDLE file, std::int64_t distance, std::int64_t& newPosition,
+                    std::uint32_t method) override;
+  bool DoSetEnd(HANDLE file) override;
+  bool DoFlush(HANDLE file) override;
+  bool DoClose(HANDLE file) override;
+  std::uint32_t DoGetAttributes(TextView path) override;
+  std::uint32_t DoGetCompressedSize(TextView path, std::uint32_t& high) override;
+  Text DoGetShortPath(TextView path) override;
+  std::optional<std::uint32_t> DoGetBinaryType(TextView path) override;
+
+  // The entry's facts, or the last error set.
+  bool Look(TextView path, EntryFacts& entry);
+  bool SizeOf(const OpenFile& file, std::int64_t& size);
+
+  PosixContext& mContext;
+  HandleTable<OpenFile> mFiles;
+};
+
+}  // namespace quillmarsh

@@ -1,0 +1,169 @@
+// SPDX-License-Identifier: MIT
+// The smaller roles.
+#include "platform/posix/PosixRoles.h"
+
+#include <sys/stat.h>
+#include <time.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <cstdlib>
+#include <limits>
+#include <memory>
+
+#include "platform/ExecutableFormats.h"
+#include "platform/posix/ErrnoCodes.h"
+#include "platform/posix/FileOpening.h"
+#include "platform/posix/LocalePictures.h"
+#include "platform/posix/NativeWalk.h"
+
+namespace quillmarsh {
+
+bool PosixDisk::DoCreateDirectory(TextView path) {
+  Located located;
+  std::uint32_t error = mContext.Locate(path, located);
+  if (error == 0 && located.path.relative.empty()) error = ERROR_ALREADY_EXISTS;
+  char nothing = 0;
+  if (error == 0)
+    error = mContext.Run(
+        located.drive->kind.answers, nothing, [resolver = mContext.resolver, located](char&) {
+          UniqueFd parent;
+          if (const auto code = OpenParent(*resolver, located, parent)) return code;
+          const std::string name(located.path.Name());
+          return ::mkdirat(parent.Get(), name.c_str(), 0777) == 0 ? ERROR_SUCCESS
+                                                                  : SystemErrorFromErrno(errno);
+        });
+  return error == 0 || Fail(error == ERROR_FILE_NOT_FOUND ? ERROR_PATH_NOT_FOUND : error, false);
+}
+
+bool PosixAccess::DoGetSecurity(TextView /*path*/, std::uint32_t /*information*/,
+                                std::vector<std::byte>& /*descriptor*/,
+                                std::uint32_t& lengthNeeded) {
+  lengthNeeded = 0;
+  return Fail(ERROR_NOT_SUPPORTED, false);
+}
+
+HANDLE PosixAccess::DoOpenToken(std::uint32_t /*access*/, bool /*openAsSelf*/) {
+  return Fail(ERROR_NOT_SUPPORTED, NULL_HANDLE);
+}
+
+bool PosixAccess::DoAccessCheck(const std::vector<std::byte>& /*descriptor*/, HANDLE /*token*/,
+                                std::uint32_t /*desired*/, const GENERIC_MAPPING& /*mapping*/,
+                                AccessCheckAnswer& /*answer*/) {
+  return Fail(ERROR_NOT_SUPPORTED, false);
+}
+
+std::optional<std::uint32_t> PosixAccess::DoEncryptionStatus(TextView path) {
+  Located located;
+  EntryFacts entry;
+  std::uint32_t error = mContext.Locate(path, located);
+  if (error == 0) error = mContext.LookAt(located, entry);
+  if (error != 0) return Fail(error, std::optional<std::uint32_t>());
+  const std::uint32_t attributes = AttributesOf(entry.facts, entry.kind, {});
+  return (attributes & FILE_ATTRIBUTE_ENCRYPTED) != 0 ? FILE_IS_ENCRYPTED : 0U;
+}
+
+std::uint32_t PosixVersions::ReadBlock(TextView path, std::vector<std::byte>& block) {
+  Located located;
+  if (const std::uint32_t error = mContext.Locate(path, located)) return error;
+  return mContext.Run(located.drive->kind.answers, block,
+                      [resolver = mContext.resolver, located](std::vector<std::byte>& bytes) {
+                        OpenedFile file;
+                        if (const auto code = OpenFileAt(*resolver, located,
+                                                         {GENERIC_READ, OPEN_EXISTING, 0}, file))
+                          return code;
+                        VersionBlock found =
+                            ReadVersionBlock([&](std::uint64_t offset, std::span<std::byte> part) {
+                              std::size_t done = 0;
+                              return offset <= std::numeric_limits<std::int64_t>::max() &&
+                                     ReadFully(file.fd.Get(), part.data(), part.size(),
+                                               static_cast<std::int64_t>(offset), done) == 0 &&
+                                     done == part.size();
+                            });
+                        bytes = std::move(found.bytes);
+                        return found.error;
+                      });
+}
+
+std::uint32_t PosixVersions::DoGetSize(TextView path) {
+  std::vector<std::byte> block;
+  if (const std::uint32_t error = ReadBlock(path, block)) return Fail(error, 0U);
+  return static_cast<std::uint32_t>(block.size());
+}
+
+bool PosixVersions::DoGetBlock(TextView path, std::vector<std::byte>& block) {
+  const std::size_t room = block.size();
+  std::vector<std::byte> whole;
+  if (const std::uint32_t error = ReadBlock(path, whole)) return Fail(error, false);
+  if (whole.size() > room) whole.resize(room);
+  block = std::move(whole);
+  return true;
+}
+
+std::optional<VS_FIXEDFILEINFO> PosixVersions::DoQueryRoot(const std::vector<std::byte>& block) {
+  return FixedFileInfoOf(block);
+}
+
+Text PosixModules::DoGetProgram() {
+  std::string link(65536, '\0');
+  const ssize_t length = ::readlink("/proc/self/exe", link.data(), link.size());
+  if (length <= 0) return Fail(ERROR_PATH_NOT_FOUND, Text());
+  link.resize(static_cast<std::size_t>(length));
+  auto form = mContext.letters->Current()->DriveForm(link);
+  return form ? std::move(*form) : Fail(ERROR_INVALID_DRIVE, Text());
+}
+
+Text PosixModules::DoGetCurrentFolder() {
+  const std::unique_ptr<char, void (*)(void*)> folder(::getcwd(nullptr, 0), &std::free);
+  if (folder == nullptr || folder.get()[0] != '/') return Fail(ERROR_PATH_NOT_FOUND, Text());
+  auto form = mContext.letters->Current()->DriveForm(folder.get());
+  return form ? std::move(*form) : Fail(ERROR_INVALID_DRIVE, Text());
+}
+
+// What a present Windows says, so that nothing falls back to the ways of very old ones.
+SystemVersion PosixModules::DoGetVersion() {
+  return {10, VER_PLATFORM_WIN32_NT};
+}
+
+bool PosixModules::DoIsConsole(StandardStream stream) {
+  return isatty(static_cast<int>(stream)) == 1;
+}
+
+PosixLocale::PosixLocale(CallState& state) : LocaleAndTime(state), mTexts(ReadLocaleTexts()) {}
+
+Text PosixLocale::DoGetLocaleInfo(std::uint32_t type) {
+  const auto found = mTexts.find(type);
+  return found != mTexts.end() ? found->second : Fail(ERROR_INVALID_PARAMETER, Text());
+}
+
+FILETIME PosixLocale::DoGetLocalTime() {
+  timespec now{};
+  ::clock_gettime(CLOCK_REALTIME, &now);
+  FILETIME local;
+  (void)DoToLocal(FileTimeOf(now.tv_sec, static_cast<std::uint32_t>(now.tv_nsec)), local);
+  return local;
+}
+
+bool PosixLocale::DoToLocal(const FILETIME& utc, FILETIME& local) {
+  const auto ticks = mZone.ToLocal(utc.Ticks());
+  if (!ticks) return Fail(ERROR_INVALID_PARAMETER, false);
+  local = FILETIME::FromTicks(*ticks);
+  return true;
+}
+
+bool PosixLocale::DoToUtc(const FILETIME& local, FILETIME& utc) {
+  const auto ticks = mZone.ToUtc(local.Ticks());
+  if (!ticks) return Fail(ERROR_INVALID_PARAMETER, false);
+  utc = FILETIME::FromTicks(*ticks);
+  return true;
+}
+
+bool PosixLocale::DoIsSecondPass(const FILETIME& local) {
+  return mZone.IsSecondPass(local.Ticks());
+}
+
+Text PosixLocale::DoFormatMessage(std::uint32_t code) {
+  return Text(EnglishSystemErrorText(code));
+}
+
+}  // namespace quillmarsh

@@ -1,0 +1,103 @@
+// SPDX-License-Identifier: MIT
+// The smaller roles of the POSIX machine, each a thin layer over what stands in a file of its own:
+// changing the disk, access checks, version resources, the process, locale and time, the queue.
+#pragma once
+
+#include <functional>
+#include <map>
+
+#include "platform/Access.h"
+#include "platform/DiskChange.h"
+#include "platform/LocaleAndTime.h"
+#include "platform/Modules.h"
+#include "platform/QueueAndMailbox.h"
+#include "platform/VersionResources.h"
+#include "platform/posix/PosixContext.h"
+#include "platform/posix/ZoneRules.h"
+
+namespace quillmarsh {
+
+class PosixDisk final : public DiskChange {
+ public:
+  PosixDisk(CallState& state, PosixContext& context) : DiskChange(state), mContext(context) {}
+
+ private:
+  bool DoCreateDirectory(TextView path) override;
+  PosixContext& mContext;
+};
+
+// Volumes here keep no access lists, so there is no descriptor to check against: every question
+// about one answers 50 (not supported). Whether an entry can be read shows when it is opened.
+class PosixAccess final : public Access {
+ public:
+  PosixAccess(CallState& state, PosixContext& context) : Access(state), mContext(context) {}
+
+ private:
+  bool DoGetSecurity(TextView path, std::uint32_t information, std::vector<std::byte>& descriptor,
+                     std::uint32_t& lengthNeeded) override;
+  bool DoImpersonate(std::uint32_t /*level*/) override { return true; }
+  HANDLE DoOpenToken(std::uint32_t access, bool openAsSelf) override;
+  void DoCloseToken(HANDLE /*token*/) override {}
+  bool DoRevert() override { return true; }
+  bool DoAccessCheck(const std::vector<std::byte>& descriptor, HANDLE token, std::uint32_t desired,
+                     const GENERIC_MAPPING& mapping, AccessCheckAnswer& answer) override;
+  std::optional<std::uint32_t> DoEncryptionStatus(TextView path) override;
+  PosixContext& mContext;
+};
+
+class PosixVersions final : public VersionResources {
+ public:
+  PosixVersions(CallState& state, PosixContext& context)
+      : VersionResources(state), mContext(context) {}
+
+ private:
+  std::uint32_t DoGetSize(TextView path) override;
+  bool DoGetBlock(TextView path, std::vector<std::byte>& block) override;
+  std::optional<VS_FIXEDFILEINFO> DoQueryRoot(const std::vector<std::byte>& block) override;
+  std::uint32_t ReadBlock(TextView path, std::vector<std::byte>& block);
+  PosixContext& mContext;
+};
+
+class PosixModules final : public Modules {
+ public:
+  PosixModules(CallState& state, PosixContext& context) : Modules(state), mContext(context) {}
+
+ private:
+  Text DoGetProgram() override;
+  Text DoGetCurrentFolder() override;
+  SystemVersion DoGetVersion() override;
+  bool DoIsConsole(StandardStream stream) override;
+  bool DoIsWow64() override { return false; }
+  // There is nothing to redirect; both succeed, so that callers that count stay in balance.
+  bool DoDisableRedirection() override { return true; }
+  bool DoRevertRedirection() override { return true; }
+  PosixContext& mContext;
+};
+
+class PosixLocale final : public LocaleAndTime {
+ public:
+  explicit PosixLocale(CallState& state);
+
+ private:
+  Text DoGetLocaleInfo(std::uint32_t type) override;
+  FILETIME DoGetLocalTime() override;
+  bool DoToLocal(const FILETIME& utc, FILETIME& local) override;
+  bool DoToUtc(const FILETIME& local, FILETIME& utc) override;
+  bool DoIsSecondPass(const FILETIME& local) override;
+  Text DoFormatMessage(std::uint32_t code) override;
+
+  const std::map<std::uint32_t, Text> mTexts;
+  ZoneRules mZone;
+};
+
+class PosixQueue final : public QueueAndMailbox {
+ public:
+  PosixQueue(CallState& state, std::function<std::uint32_t(std::uint32_t)> status)
+      : QueueAndMailbox(state), mStatus(std::move(status)) {}
+
+ private:
+  std::uint32_t DoGetStatus(std::uint32_t kinds) override { return mStatus ? mStatus(kinds) : 0; }
+  const std::function<std::uint32_t(std::uint32_t)> mStatus;
+};
+
+}  // namespace quillmarsh

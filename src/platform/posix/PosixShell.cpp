@@ -1,0 +1,140 @@
+// SPDX-License-Identifier: MIT
+// User directories, trash and type names.
+#include "platform/posix/PosixShell.h"
+
+#include <pwd.h>
+#include <unistd.h>
+
+#include <array>
+#include <cstdlib>
+#include <memory>
+
+#include "platform/posix/ErrnoCodes.h"
+#include "platform/posix/NameMapping.h"
+#include "platform/posix/NativeWalk.h"
+
+#ifdef QUILLMARSH_WITH_GIO
+#include <gio/gio.h>
+#endif
+
+namespace quillmarsh {
+namespace {
+
+// The rules for user directories say that a relative path is to be ignored.
+std::string AbsoluteFromEnvironment(const char* name) {
+  const char* const value = std::getenv(name);
+  return value != nullptr && value[0] == '/' ? value : std::string();
+}
+
+std::string HomeOfUser() {
+  passwd entry{};
+  passwd* found = nullptr;
+  std::array<char, 16384> buffer{};
+  if (::getpwuid_r(::getuid(), &entry, buffer.data(), buffer.size(), &found) != 0 ||
+      found == nullptr || found->pw_dir == nullptr || found->pw_dir[0] != '/')
+    return {};
+  return found->pw_dir;
+}
+
+std::string OrBelow(const std::string& folder, const std::string& home, const char* below) {
+  return folder.empty() && !home.empty() ? home + below : folder;
+}
+
+}  // namespace
+
+UserFolders UserFolders::OfProcess() {
+  UserFolders folders;
+  folders.home = AbsoluteFromEnvironment("HOME");
+  if (folders.home.empty()) folders.home = HomeOfUser();
+  folders.data = OrBelow(AbsoluteFromEnvironment("XDG_DATA_HOME"), folders.home, "/.local/share");
+  folders.config = OrBelow(AbsoluteFromEnvironment("XDG_CONFIG_HOME"), folders.home, "/.config");
+  return folders;
+}
+
+PosixShell::PosixShell(CallState& state, PosixContext& context, UserFolders folders)
+    : Shell(state), mContext(context), mFolders(std::move(folders)) {}
+
+Text PosixShell::DriveForm(const std::string& native) {
+  if (native.empty()) return Fail(ERROR_PATH_NOT_FOUND, Text());
+  CanonicalPath canonical;
+  const std::uint32_t error = mContext.Run(false, canonical, [native](CanonicalPath& found) {
+    found = Canonical(native, MissingTail::Kept);
+    return SystemErrorFromErrno(found.error);
+  });
+  if (error != 0) return Fail(error, Text());
+  auto form = mContext.letters->Current()->DriveForm(canonical.path);
+  return form ? std::move(*form) : Fail(ERROR_INVALID_DRIVE, Text());
+}
+
+// A line of user-dirs.dirs: KEY="$HOME/folder" or KEY="/folder".
+std::string PosixShell::UserDirectory(std::string_view key, std::string_view otherwise) const {
+  if (mFolders.home.empty()) return {};
+  int error = 0;
+  const std::string text = ReadWholeFile(mFolders.config + "/user-dirs.dirs", error).value_or("");
+  const std::string wanted = "\n" + std::string(key) + "=\"";
+  const std::size_t found = ("\n" + text).find(wanted);
+  if (found == std::string::npos) return mFolders.home + std::string(otherwise);
+  std::string value = text.substr(found + wanted.size() - 1);
+  value.resize(std::min(value.find('"'), value.size()));
+  if (value.starts_with("$HOME")) value.replace(0, 5, mFolders.home);
+  return value.starts_with('/') ? value : mFolders.home + std::string(otherwise);
+}
+
+Text PosixShell::DoGetFolder(std::int32_t csidl) {
+  switch (csidl) {
+    case CSIDL_PERSONAL:
+      return DriveForm(UserDirectory("XDG_DOCUMENTS_DIR", "/Documents"));
+    case CSIDL_DESKTOPDIRECTORY:
+      return DriveForm(UserDirectory("XDG_DESKTOP_DIR", "/Desktop"));
+    case CSIDL_LOCAL_APPDATA:
+      return DriveForm(mFolders.data);
+    case CSIDL_PROFILE:
+      return DriveForm(mFolders.home);
+    case CSIDL_WINDOWS:
+      return DriveForm("/usr");
+    case CSIDL_SYSTEM:
+      return DriveForm("/usr/lib");
+    default:
+      return Fail(ERROR_INVALID_PARAMETER, Text());
+  }
+}
+
+// The trash is several places, so it is a virtual item without a path.
+Text PosixShell::DoGetItemPath(std::int32_t csidl) {
+  return csidl == CSIDL_BITBUCKET ? Fail(ERROR_PATH_NOT_FOUND, Text()) : DoGetFolder(csidl);
+}
+
+Text PosixShell::DoGetTempPath() {
+  const std::string named = AbsoluteFromEnvironment("TMPDIR");
+  Text folder = DriveForm(named.empty() ? "/tmp" : named);
+  if (!folder.empty() && !folder.ends_with(u'\\')) folder += u'\\';
+  return folder;
+}
+
+Text PosixShell::DoGetTypeName(TextView name) {
+#ifdef QUILLMARSH_WITH_GIO
+  std::string bytes;
+  if (!AppendNameBytes(name.substr(name.rfind(u'\\') + 1), bytes))
+    return Fail(ERROR_INVALID_NAME, Text());
+  using Owned = std::unique_ptr<char, void (*)(void*)>;
+  const Owned type(::g_content_type_guess(bytes.c_str(), nullptr, 0, nullptr), &::g_free);
+  const Owned description(type ? ::g_content_type_get_description(type.get()) : nullptr, &::g_free);
+  if (description != nullptr && description.get()[0] != '\0') return FromUtf8(description.get());
+#else
+  (void)name;
+#endif
+  return Fail(ERROR_FILE_NOT_FOUND, Text());
+}
+
+std::vector<Text> PosixShell::DoRecycleBinMarks() {
+  const Text user = DecimalText(static_cast<std::int64_t>(::getuid()));
+  std::vector<Text> marks;
+  if (!mFolders.data.empty())
+    if (Text home = DriveForm(mFolders.data + "/Trash"); !home.empty())
+      marks.push_back(std::move(home) + u"\\");
+  marks.push_back(u"\\.Trash-" + user + u"\\");
+  marks.push_back(u"\\.Trash\\" + user + u"\\");
+  return marks;
+}
+
+}  // namespace quillmarsh

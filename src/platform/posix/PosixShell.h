@@ -1,0 +1,42 @@
+// SPDX-License-Identifier: MIT
+// The desktop's folders by the public rules for user directories, the places of the trash, and type
+// names from the desktop's own database where it is built in. Never starts anything.
+#pragma once
+
+#include <string>
+
+#include "platform/Shell.h"
+#include "platform/posix/PosixContext.h"
+
+namespace quillmarsh {
+
+// Native folders of the user; empty where there is no home.
+struct UserFolders {
+  std::string home;
+  std::string data;    // $XDG_DATA_HOME
+  std::string config;  // $XDG_CONFIG_HOME
+
+  [[nodiscard]] static UserFolders OfProcess();
+};
+
+class PosixShell final : public Shell {
+ public:
+  PosixShell(CallState& state, PosixContext& context, UserFolders folders);
+
+ private:
+  Text DoGetFolder(std::int32_t csidl) override;
+  Text DoGetItemPath(std::int32_t csidl) override;
+  Text DoGetTempPath() override;
+  Text DoGetTypeName(TextView name) override;
+  std::vector<Text> DoRecycleBinMarks() override;
+
+  // The drive form of a native folder that need not exist; empty, with the last error set, on
+  // failure.
+  Text DriveForm(const std::string& native);
+  [[nodiscard]] std::string UserDirectory(std::string_view key, std::string_view otherwise) const;
+
+  PosixContext& mContext;
+  const UserFolders mFolders;
+};
+
+}  // namespace quillmarsh

@@ -1,0 +1,37 @@
+// SPDX-License-Identifier: MIT
+// Decides which records are duplicates of one another: sorts them by the criteria, walks the array
+// once and makes a group of each run of equal neighbours. It owns nothing; the groups, their totals
+// and the list go to the results.
+#pragma once
+
+#include <vector>
+
+#include "search/SearchView.h"
+#include "search/results/cSearchResults.h"
+#include "settings/clsDupeSettings.h"
+
+namespace quillmarsh {
+
+class cDuplicateGrouping {
+ public:
+  cDuplicateGrouping(cSearchResults& results, const clsDupeSettings& settings, SearchView& view)
+      : mResults(results), mSettings(settings), mView(view) {}
+
+  // Runs after every Start, also after a refused or cancelled one. `locations` and `filesSearched`
+  // are for the history and the summary. False when a failure was reported; then nothing is listed.
+  bool ShowDupes(const std::vector<Text>& locations, std::int32_t filesSearched);
+
+ private:
+  enum class Outcome { Grouped, NothingToGroup, Cancelled };
+
+  [[nodiscard]] Outcome SortAndGroup();
+  void DropGroups();
+  void FormGroups(std::int32_t count);
+  void ShowOutcome(const std::vector<Text>& locations, std::int32_t filesSearched);
+
+  cSearchResults& mResults;
+  const clsDupeSettings& mSettings;
+  SearchView& mView;
+};
+
+}  // namespace quillmarsh

@@ -1,0 +1,285 @@
+// SPDX-License-Identifier: MIT
+#include "search/cFileGatherer.h"
+
+#include <algorithm>
+
+#include "frame/ErrorReporting.h"
+#include "frame/ProgramFlags.h"
+#include "frame/Pump.h"
+#include "frame/TextTable.h"
+#include "frame/Views.h"
+#include "fsobjects/cFSXFileSystemObject.h"
+#include "fsobjects/cFSXFolderPathsList.h"
+#include "fsobjects/modPaths.h"
+#include "platform/Machine.h"
+#include "removal/history/cLog.h"
+#include "search/Cancellation.h"
+
+namespace quillmarsh {
+
+namespace {
+
+constexpr std::int32_t kFilesPerStatus = 25;
+constexpr std::int32_t kFoldersReadAhead = 64;
+
+Text Shown(const Text& path) {
+  return TheMachine().Drives().ShownPath(path);
+}
+
+void LogSkipped(TextId message, const Text& path) {
+  AddFreeTextToLog(LoadResString(message) + u" - '" + Shown(path) + u"' ");
+}
+
+Text ErrorTextOf(std::uint32_t code) {
+  return code == 0 ? Text() : GetSystemErrorText(code);
+}
+
+bool IsGone(std::uint32_t code) {
+  return code == ERROR_FILE_NOT_FOUND || code == ERROR_PATH_NOT_FOUND;
+}
+
+}  // namespace
+
+cFileGatherer::WalkOptions cFileGatherer::WalkOptions::From(const clsDupeSettings& settings) {
+  return {settings.IgnoreSystemFiles(),    settings.IgnoreHiddenFiles(),
+          settings.IgnoreTemporaryFiles(), settings.IgnoreSystemFolders(),
+          settings.IgnoreHiddenFolders(),  settings.IgnoreTemporaryFolders(),
+          settings.IncludeSubFolders()};
+}
+
+void cFileGatherer::GatherLocation(const Text& location, const cSearchFilters& filters) {
+  mLocationFiles.clear();
+  mFolderQueue.ResetQueue();
+  mHinted = 0;
+  mNamesMark = mResults.mNames.Mark();
+
+  Guarded(u"frmFindDuplicates.GetFilesArray", [&] {
+    cFSXFileSystemObject fileSystem;
+    if (const auto folder = fileSystem.GetFolder(location)) GetFilesArray(*folder, false);
+  });
+  for (;;) {
+    const std::int32_t idx = mFolderQueue.GetNextFolder();
+    if (idx == clsFolderQueue::NoFolder) break;
+    // After a stop the rest of the queue is dropped without touching the disk.
+    if (gUserAbort || mIsIncomplete) break;
+    mHinted = std::max(0, mHinted - 1);
+    GiveReadAheadHints(filters);
+    VisitQueuedFolder(idx, filters);
+  }
+  TheMachine().Find().DropReadAhead();
+  // Going on without some of the records would show groups that are not whole.
+  if (mIsIncomplete) throw RuntimeError(runtime_error::OutOfMemory);
+}
+
+void cFileGatherer::VisitQueuedFolder(std::int32_t idx, const cSearchFilters& filters) {
+  const Text path = gFolderPathsList->GetFolderByIndex(idx);
+  const FolderDecision decision = filters.DecideFolder(path);
+  if (decision.isIncludedByName) AddFreeTextToLog(Shown(path) + u" - " + LoadResString(314));
+  if (decision.isExcludedByName) AddFreeTextToLog(Shown(path) + u" - " + LoadResString(315));
+  if (decision.isSkipped) return;
+  Guarded(u"frmFindDuplicates.GetFilesArray", [&] {
+    cFSXFolder folder;
+    folder.SetPath(path);
+    folder.SetAttributes(static_cast<std::int32_t>(mFolderQueue.AttributesOfLast()));
+    GetFilesArray(folder, true);
+  });
+}
+
+// Tells the platform which folders come next, so that it can read them in the background.
+void cFileGatherer::GiveReadAheadHints(const cSearchFilters& filters) {
+  for (; mHinted < kFoldersReadAhead; ++mHinted) {
+    const clsFolderQueue::Entry* entry = mFolderQueue.PeekAhead(mHinted);
+    if (entry == nullptr) return;
+    if ((entry->attributes & FILE_ATTRIBUTE_REPARSE_POINT) != 0) continue;
+    const Text path = gFolderPathsList->GetFolderByIndex(entry->idx);
+    if (filters.HasFolderLists() && filters.DecideFolder(path).isSkipped) continue;
+    TheMachine().Find().ReadAhead(path);
+  }
+}
+
+// `isPrimed` says that the folder's attributes came with the listing of its parent, a moment ago:
+// then the disk is not asked for them again, and a folder that has gone meanwhile shows when it is
+// listed.
+void cFileGatherer::GetFilesArray(cFSXFolder& folder, bool isPrimed) {
+  const Text path = folder.Path();
+  if (folder.IsJunction()) {
+    LogSkipped(316, path);
+    return;
+  }
+  if (!folder.HasReadPermission()) {
+    AddFolderErrorToLog(Shown(path), runtime_error::PermissionDenied, LoadResString(317));
+    return;
+  }
+  const std::shared_ptr<cFSXFiles> files = folder.Files();
+  if (files != nullptr) {
+    const std::uint32_t listingError = folder.ErrorsDuringEnumeration() && files->Count() == 0
+                                           ? folder.EnumerationError()
+                                           : folder.ListingError();
+    if (isPrimed && files->Count() == 0 && IsGone(listingError)) return;
+    const bool isReported = folder.ErrorsDuringEnumeration() || listingError != 0;
+    if (isReported && !gUserAbort) {
+      AddFolderErrorToLog(Shown(path), static_cast<std::int32_t>(listingError),
+                          ErrorTextOf(listingError));
+    }
+    if (!TakeFiles(path, folder.FolderIdx(), *files)) return;
+  }
+  const std::shared_ptr<cFSXSubFolders> subFolders =
+      mOptions.includeSubFolders ? folder.SubFoldersAndJunctions() : nullptr;
+  if (subFolders != nullptr && !QueueSubFolders(*subFolders)) return;
+  ShowFilesSearched();
+}
+
+bool cFileGatherer::TakeFiles(const Text& path, std::int32_t folderIdx, const cFSXFiles& files) {
+  const std::int32_t count = files.Count();
+  for (std::int32_t i = 1; i <= count; ++i) {
+    DoEvents_Fast();
+    const cFSXFileFacts file = files.Facts(i);
+    mFilesSearched += 1;
+    if (mFilesSearched % kFilesPerStatus == 0) {
+      ShowFilesSearched();
+      SetPanelToolTip(PANEL1, Shown(path));
+    }
+    if (!IsFileSkipped(path, file)) {
+      DupeFileUDT record;
+      if (!MakeDupeFileUDT(file, folderIdx, mResults.mNames, record)) {
+        mIsIncomplete = true;
+        return false;
+      }
+      MarkSecondPasses(record.Name, file);
+      mLocationFiles.push_back(record);
+    }
+    if (gUserAbort) {
+      ReportSearchCancelled(mView);
+      return false;
+    }
+  }
+  return true;
+}
+
+bool cFileGatherer::IsFileSkipped(const Text& path, const cFSXFileFacts& file) const {
+  const auto log = [&](TextId message) { LogSkipped(message, path + Text(file.name)); };
+  if (mOptions.ignoreSystemFiles && file.IsSystem()) {
+    log(781);
+    return true;
+  }
+  if (mOptions.ignoreHiddenFiles && file.IsHidden()) {
+    log(782);
+    return true;
+  }
+  if (mOptions.ignoreTemporaryFiles && file.IsTemporary()) {
+    log(783);
+    return true;
+  }
+  return false;
+}
+
+void cFileGatherer::MarkSecondPasses(NameHandle name, const cFSXFileFacts& file) {
+  LocaleAndTime& locale = TheMachine().Locale();
+  const SecondPasses passes{
+      locale.IsSecondPass(FILETIME::FromTicks(file.createdAsCurr.Raw())),
+      locale.IsSecondPass(FILETIME::FromTicks(file.lastModifiedAsCurr.Raw()))};
+  if (passes.created || passes.lastModified) mResults.mSecondPasses.emplace(name, passes);
+}
+
+bool cFileGatherer::QueueSubFolders(const cFSXSubFolders& subFolders) {
+  const Text parent = subFolders.ParentFolderPath();
+  for (std::int32_t i = 1; i <= subFolders.Count(); ++i) {
+    const auto attributes = static_cast<std::uint32_t>(subFolders.Attributes(i));
+    const TextView name = subFolders.Name(i);
+    // Junctions are queued too, and fall out when their turn comes.
+    if (!IsFolderSkipped(name, attributes)) {
+      const Text path = parent + Text(name) + u'\\';
+      mFolderQueue.AddFolder(gFolderPathsList->AddFolder(path), attributes);
+    }
+    if (gUserAbort) {
+      ReportSearchCancelled(mView);
+      return false;
+    }
+  }
+  return true;
+}
+
+bool cFileGatherer::IsFolderSkipped(TextView name, std::uint32_t attributes) const {
+  const auto has = [attributes](std::uint32_t bit) { return (attributes & bit) != 0; };
+  const auto log = [name](TextId message) { LogSkipped(message, Text(name)); };
+  if (mOptions.ignoreSystemFolders && has(FILE_ATTRIBUTE_SYSTEM)) {
+    log(912);
+    return true;
+  }
+  if (mOptions.ignoreHiddenFolders && has(FILE_ATTRIBUTE_HIDDEN)) {
+    log(913);
+    return true;
+  }
+  if (mOptions.ignoreTemporaryFolders && has(FILE_ATTRIBUTE_TEMPORARY)) {
+    log(914);
+    return true;
+  }
+  return false;
+}
+
+bool cFileGatherer::KeepWhatPasses(const cSearchFilters& filters,
+                                   const cSpecialFolders& specialFolders) {
+  NameArena& names = mResults.mNames;
+  SecondPassMarks marks;
+  std::size_t kept = 0;
+  std::int32_t folderIdx = 0;
+  Text folder;
+  bool isStopped = false;
+  names.BeginCompaction(mNamesMark);
+  for (DupeFileUDT& record : mLocationFiles) {
+    DoEvents_Fast();
+    if (gUserAbort) {
+      isStopped = true;
+      break;
+    }
+    if (record.ParentFolderIdx != folderIdx) {
+      folderIdx = record.ParentFolderIdx;
+      folder = GetFolderPathByIdx(folderIdx);
+    }
+    const TextView name = names.Get(record.Name);
+    if (!filters.DoesFileMatchIncludeFilter(name) ||
+        filters.DoesFileMatchIgnoreFilter(name, folder, record.Size, specialFolders)) {
+      continue;
+    }
+    record.Name = KeepName(record.Name, marks);
+    mLocationFiles[kept] = record;
+    kept += 1;
+  }
+  names.EndCompaction();
+  mLocationFiles.resize(kept);
+  mResults.mSecondPasses.merge(marks);
+  if (isStopped) {
+    ReportSearchCancelled(mView);
+    return false;
+  }
+  std::vector<DupeFileUDT>& all = mResults.mDupeFiles;
+  if (all.empty()) {
+    all.swap(mLocationFiles);
+  } else {
+    all.insert(all.end(), mLocationFiles.begin(), mLocationFiles.end());
+  }
+  Release();
+  return true;
+}
+
+// The name's new handle; the marks that stand under the old one come along.
+NameHandle cFileGatherer::KeepName(NameHandle name, SecondPassMarks& marks) {
+  const NameHandle kept = mResults.mNames.Keep(name);
+  if (!mResults.mSecondPasses.empty()) {
+    if (auto node = mResults.mSecondPasses.extract(name)) {
+      node.key() = kept;
+      marks.insert(std::move(node));
+    }
+  }
+  return kept;
+}
+
+void cFileGatherer::Release() {
+  std::vector<DupeFileUDT>().swap(mLocationFiles);
+}
+
+void cFileGatherer::ShowFilesSearched() const {
+  SetPanel(FILES_SEARCHED, LoadResString(1120) + u":" + DecimalText(mFilesSearched));
+}
+
+}  // namespace quillmarsh

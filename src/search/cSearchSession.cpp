@@ -1,0 +1,165 @@
+// SPDX-License-Identifier: MIT
+#include "search/cSearchSession.h"
+
+#include <unordered_set>
+
+#include "frame/CommandScope.h"
+#include "frame/ErrorReporting.h"
+#include "frame/ProgramFlags.h"
+#include "frame/Pump.h"
+#include "frame/TextTable.h"
+#include "frame/Views.h"
+#include "fsobjects/cFSXDrive.h"
+#include "fsobjects/cFSXFileSystemObject.h"
+#include "fsobjects/cFSXFolderPathsList.h"
+#include "fsobjects/modPaths.h"
+#include "platform/Machine.h"
+#include "removal/history/cLog.h"
+#include "search/Cancellation.h"
+#include "search/cDuplicateGrouping.h"
+#include "search/cFileGatherer.h"
+#include "search/cLocationCheck.h"
+
+namespace quillmarsh {
+
+namespace {
+
+Text Joined(const std::vector<Text>& texts, TextView separator) {
+  Text joined;
+  for (const Text& text : texts) {
+    if (!joined.empty()) joined += separator;
+    joined += text;
+  }
+  return joined;
+}
+
+std::vector<Text> ShownPaths(const std::vector<Text>& paths) {
+  std::vector<Text> shown;
+  for (const Text& path : paths) shown.push_back(TheMachine().Drives().ShownPath(path));
+  return shown;
+}
+
+// The name under which a location is known once, whatever it is called.
+Text CanonicalFormOf(const Text& location) {
+  Volumes& volumes = TheMachine().Drives();
+  Text canonical = volumes.LocationFromNative(volumes.NativePath(location)).path;
+  return canonical.empty() ? location : canonical;
+}
+
+}  // namespace
+
+SearchOutcome cSearchSession::FindDuplicateFiles() {
+  const CommandScope command;
+  if (!command.IsEntered()) return SearchOutcome::Refused;
+  gUserAbort = false;
+  bool isRefused = false;
+  bool isWhole = Guarded(u"frmFindDuplicates.FindDuplicateFiles", [&] {
+    isRefused = !IsCriteriaValid();
+    if (!isRefused) Search();
+  });
+  if (!isWhole) mResults.ResetModuleLevelArraysForNewSearch();
+  // Reached on every way, also after a refused start, which has no begin entry.
+  mView.StopAnimation();
+  cDuplicateGrouping grouping(mResults, mSettings, mView);
+  isWhole = grouping.ShowDupes(mSelectedFolders, mFilesSearched) && isWhole;
+  DoEvents_Fast();
+  AddToLog(log_kind::EndSearch);
+  if (gLog != nullptr) {
+    gLog->AppendInMemoryStringToLogFile();
+    gLog->ResetInMemoryLog();
+  }
+  if (isRefused) return SearchOutcome::Refused;
+  if (gUserAbort) return SearchOutcome::Stopped;
+  return isWhole ? SearchOutcome::Complete : SearchOutcome::Failed;
+}
+
+bool cSearchSession::IsCriteriaValid() {
+  bool isValid = false;
+  Guarded(u"frmFindDuplicates.IsCriteriaValid()", [&] {
+    mSelectedFolders = mView.GetSelectedFolderPaths();
+    isValid = AreCriteriaAndLocationsValid(mSettings, mSelectedFolders);
+  });
+  return isValid;
+}
+
+void cSearchSession::Search() {
+  AddToLog(log_kind::BeginSearch);
+  mSettings.SetFolderPaths(Joined(mSelectedFolders, kListSeparator));
+  AddFreeTextToLog(u"Locations To Search: " + Joined(ShownPaths(mSelectedFolders), u","));
+  SetStatusForNewSearch();
+  DisableUIForSearch();
+  DoEvents_Fast();
+
+  const cSearchFilters filters(mSettings);
+  for (const Text& line : filters.Announcements()) AddFreeTextToLog(line);
+  cSpecialFolders specialFolders(mSettings.IgnoreFilesInWindowsDir());
+  ResetSearchCounters();
+  mResults.ResetModuleLevelArraysForNewSearch();
+  DoEvents_Fast();
+  gFolderPathsList->NewList();
+
+  cFileGatherer gatherer(mResults, mView, cFileGatherer::WalkOptions::From(mSettings),
+                         mFilesSearched);
+  // Only a walk that was finished counts; after a stop the number is still that of an earlier one.
+  if (SearchLocations(gatherer, filters, specialFolders)) {
+    mResults.mFileCount = static_cast<std::int32_t>(mResults.mDupeFiles.size());
+  } else {
+    // Nor may what was gathered until then ever be listed as if it were all.
+    mResults.ResetModuleLevelArraysForNewSearch();
+  }
+}
+
+// False when the user stopped the search.
+bool cSearchSession::SearchLocations(cFileGatherer& gatherer, const cSearchFilters& filters,
+                                     cSpecialFolders& specialFolders) {
+  cFSXFileSystemObject fileSystem;
+  std::unordered_set<Text> walked;
+  for (const Text& selected : mSelectedFolders) {
+    if (!walked.insert(CanonicalFormOf(selected)).second) continue;
+    const Text location = AddBackslash(selected);
+    const auto drive = fileSystem.GetDrive(location);
+    specialFolders.SetLocation(location, IsRootPath(location),
+                               drive == nullptr ? Text() : drive->FileSystem());
+    SetPanel(PANEL1, LoadResString(313) + u" " + TheMachine().Drives().ShownPath(location) + u" .");
+    DoEvents_Fast();
+    gatherer.GatherLocation(location, filters);
+    if (gUserAbort) {
+      ReportSearchCancelled(mView);
+      return false;
+    }
+    if (!gatherer.KeepWhatPasses(filters, specialFolders)) return false;
+  }
+  return true;
+}
+
+void cSearchSession::ClearListviews() {
+  // One after the other, since only one list can hold the update lock.
+  mResults.ulvwDupeDetails.Clear();
+  mResults.ulvwDupeGroups.Clear();
+  DoEvents_Fast();
+}
+
+void cSearchSession::SetStatusForNewSearch() {
+  SetPanel(PANEL1, LoadResString(323) + u"...");
+  DoEvents_Fast();
+  ClearListviews();
+  SetPanel(PANEL1, {});
+  SetPanel(PANEL2, {});
+  SetPanel(FILES_SEARCHED, LoadResString(1120) + u":0");
+  SetPanel(DUPLICATES, LoadResString(1121) + u":0");
+  SetPanel(FILES_SELECTED, LoadResString(1123) + u":0");
+}
+
+void cSearchSession::DisableUIForSearch() {
+  mView.DisableUIForSearch();
+  mView.SetGroupColumnCaption(mSettings.NamesMatch() ? LoadResString(347) : LoadResString(364));
+  mView.StartAnimation();
+}
+
+void cSearchSession::ResetSearchCounters() {
+  mFilesSearched = 0;
+  mResults.mCurrentGroup = 0;
+  gUserAbort = false;
+}
+
+}  // namespace quillmarsh

@@ -1,0 +1,49 @@
+// SPDX-License-Identifier: MIT
+// The driver of a search, from the user's Start to its end: checks the request, walks the
+// locations, filters what was gathered, has it grouped, and closes with status and history. The end
+// sequence runs on every way out, also after a refused start, a stop and a failure.
+#pragma once
+
+#include <vector>
+
+#include "search/SearchView.h"
+#include "search/results/cSearchResults.h"
+#include "settings/clsDupeSettings.h"
+
+namespace quillmarsh {
+
+// How a search ended.
+enum class SearchOutcome { Refused, Complete, Stopped, Failed };
+
+class cSearchSession {
+ public:
+  cSearchSession(cSearchResults& results, clsDupeSettings& settings, SearchView& view)
+      : mResults(results), mSettings(settings), mView(view) {}
+
+  // Refused, without a word, while another search or removal runs.
+  SearchOutcome FindDuplicateFiles();
+
+  // Fills mSelectedFolders and shows its own messages.
+  [[nodiscard]] bool IsCriteriaValid();
+
+  // Files looked at in the last search, whether they were kept or not.
+  [[nodiscard]] std::int32_t FilesSearched() const { return mFilesSearched; }
+
+ private:
+  void Search();
+  [[nodiscard]] bool SearchLocations(class cFileGatherer& gatherer,
+                                     const class cSearchFilters& filters,
+                                     class cSpecialFolders& specialFolders);
+  void ClearListviews();
+  void SetStatusForNewSearch();
+  void DisableUIForSearch();
+  void ResetSearchCounters();
+
+  cSearchResults& mResults;
+  clsDupeSettings& mSettings;
+  SearchView& mView;
+  std::vector<Text> mSelectedFolders;
+  std::int32_t mFilesSearched = 0;
+};
+
+}  // namespace quillmarsh

@@ -1,0 +1,37 @@
+// SPDX-License-Identifier: MIT
+#include "search/results/cResultsList.h"
+
+namespace quillmarsh {
+
+void cResultsList::Clear() {
+  mItems.clear();
+  mItems.shrink_to_fit();
+  mSelected = NoItem;
+  TellChange();
+}
+
+void cResultsList::Add(std::int32_t itemData) {
+  mItems.push_back(itemData);
+  TellChange();
+}
+
+std::int32_t cResultsList::ItemData(std::int32_t position) const {
+  if (position < 0 || position >= Count()) return NoItem;
+  return mItems[static_cast<std::size_t>(position)];
+}
+
+Text cResultsList::CellText(std::int32_t position, int column) const {
+  if (position < 0 || position >= Count() || !mFormatter) return {};
+  return mFormatter(ItemData(position), column);
+}
+
+void cResultsList::Select(std::int32_t position) {
+  mSelected = position >= 0 && position < Count() ? position : NoItem;
+  TellChange();
+}
+
+void cResultsList::TellChange() const {
+  if (!mIsLocked && mListener) mListener();
+}
+
+}  // namespace quillmarsh

@@ -1,0 +1,67 @@
+// SPDX-License-Identifier: MIT
+// One of the two lists of results as plain data: items with their data, and which one is selected.
+// It owns no text: a cell is formatted when somebody asks for it. A view that shows the list is
+// told when it changes; while the list is locked for a mass fill the view sees an empty list, and
+// is told once at the end.
+#pragma once
+
+#include <cstdint>
+#include <functional>
+#include <vector>
+
+#include "base/Text.h"
+
+namespace quillmarsh {
+
+class cResultsList {
+ public:
+  // Makes the text of a cell from an item's data and the column, from 0.
+  using CellFormatter = std::function<Text(std::int32_t itemData, int column)>;
+  using ChangeListener = std::function<void()>;
+
+  static constexpr std::int32_t NoItem = -1;
+
+  void SetFormatter(CellFormatter formatter) { mFormatter = std::move(formatter); }
+  void SetListener(ChangeListener listener) { mListener = std::move(listener); }
+
+  void Clear();
+  // Adds an item at the end.
+  void Add(std::int32_t itemData);
+  void Reserve(std::size_t count) { mItems.reserve(count); }
+
+  // What a view sees: nothing while the list is locked.
+  [[nodiscard]] std::int32_t VisibleCount() const { return mIsLocked ? 0 : Count(); }
+  [[nodiscard]] std::int32_t Count() const { return static_cast<std::int32_t>(mItems.size()); }
+  // `position` from 0 to Count() - 1; anything else gives NoItem or an empty text.
+  [[nodiscard]] std::int32_t ItemData(std::int32_t position) const;
+  [[nodiscard]] Text CellText(std::int32_t position, int column) const;
+
+  void Select(std::int32_t position);
+  [[nodiscard]] std::int32_t SelectedPosition() const { return mSelected; }
+
+  // The window-update lock for a mass fill: taken when made, released when destroyed.
+  class UpdateLock {
+   public:
+    explicit UpdateLock(cResultsList& list) : mList(list) { mList.mIsLocked = true; }
+    ~UpdateLock() {
+      mList.mIsLocked = false;
+      mList.TellChange();
+    }
+    UpdateLock(const UpdateLock&) = delete;
+    UpdateLock& operator=(const UpdateLock&) = delete;
+
+   private:
+    cResultsList& mList;
+  };
+
+ private:
+  void TellChange() const;
+
+  std::vector<std::int32_t> mItems;
+  std::int32_t mSelected = NoItem;
+  bool mIsLocked = false;
+  CellFormatter mFormatter;
+  ChangeListener mListener;
+};
+
+}  // namespace quillmarsh

@@ -1,0 +1,76 @@
+// SPDX-License-Identifier: MIT
+// The results of a search: its records, their names, the marks, and the groups as rows across
+// parallel arrays. They live from one search to the next. Groups and records are counted from 1, as
+// the users of these arrays do; an index beyond what is there answers nothing and touches nothing.
+#pragma once
+
+#include <cstdint>
+#include <unordered_map>
+#include <vector>
+
+#include "base/NameArena.h"
+#include "search/results/RecordKeys.h"
+#include "search/results/cResultsList.h"
+
+namespace quillmarsh {
+
+class cSearchResults {
+ public:
+  cSearchResults();
+
+  // The records that passed the filters, in the order of the last sort.
+  std::vector<DupeFileUDT> mDupeFiles;
+  // The number of records as the last complete walk left it. After a stopped walk it may be that of
+  // an earlier search, so loops are bounded by RecordCount.
+  std::int32_t mFileCount = 0;
+  std::vector<bool> mFileMarked;  // marked for removal, by record, from 0
+
+  std::vector<Currency> mGroupTotalSize;      // by group, from 0
+  std::vector<std::int32_t> mGroupFileCount;  // by group, from 0
+
+  std::int32_t mDupeFileCount = 0;  // files in all groups, the first of each included
+  std::int32_t mGroupCount = 0;
+  Currency mDupeTotalSize;
+  std::int32_t mCurrentGroup = 0;  // the group shown in the details list
+
+  NameArena mNames;
+  SecondPassMarks mSecondPasses;
+  SearchCriteria mCriteria;  // of the search that made the groups
+
+  cResultsList ulvwDupeGroups;
+  cResultsList ulvwDupeDetails;
+
+  // What both mFileCount and the array hold.
+  [[nodiscard]] std::int32_t RecordCount() const;
+  // The record of an index from 1; the index must be within RecordCount.
+  [[nodiscard]] const DupeFileUDT& Record(std::int32_t index) const {
+    return mDupeFiles[static_cast<std::size_t>(index) - 1];
+  }
+  [[nodiscard]] TextView NameOf(const DupeFileUDT& record) const { return mNames.Get(record.Name); }
+  [[nodiscard]] Text FullPathOf(const DupeFileUDT& record) const;
+
+  // A new group whose members are the records from `firstRecord` on, `count` of them.
+  void AddGroup(std::int32_t firstRecord, std::int32_t count, Currency totalSize);
+  // The members of a group (from 1) as decimal record indexes joined by ",".
+  [[nodiscard]] Text mGroupFileIndexes(std::int32_t group) const;
+  // The same as numbers, without building the text.
+  [[nodiscard]] std::vector<std::int32_t> MembersOf(std::int32_t group) const;
+  // The key that the members of a group share.
+  [[nodiscard]] Text KeyTextOf(std::int32_t group) const;
+
+  void ClearGroups();
+  // mDupeFiles, the group arrays and the marks, as a new search wants them. The memory goes back.
+  void ResetModuleLevelArraysForNewSearch();
+
+ private:
+  [[nodiscard]] Text GroupCell(std::int32_t group, int column) const;
+
+  // The members of a group as they were found: neighbours in the sorted array.
+  struct MemberRange {
+    std::int32_t first = 0;
+    std::int32_t count = 0;
+  };
+  std::vector<MemberRange> mGroupMembers;
+};
+
+}  // namespace quillmarsh

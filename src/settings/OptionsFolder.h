@@ -1,0 +1,22 @@
+// SPDX-License-Identifier: MIT
+// Where the options file, the history and the error details lie, and where the DUPES folder is.
+// Both folders are made when they are missing; that they cannot be made is no error here.
+#pragma once
+
+#include "base/Text.h"
+
+namespace quillmarsh {
+
+// The user's local application data folder, then "Harrow Fen\Quillmarsh\", with its final
+// backslash; made with all its parents, at each call, when missing. Empty where the user has no
+// such folder.
+[[nodiscard]] Text GetIniFileFolder();
+
+// The DUPES folder with its final backslash. Empty means not yet decided.
+extern Text mDupesFolderPath;
+
+// mDupesFolderPath, decided now if it was not ("DUPES\" in the folder of the options file) and made
+// when missing. Empty where there is no folder of the options file.
+[[nodiscard]] Text GetDupesFolderPath();
+
+}  // namespace quillmarsh

@@ -1,0 +1,205 @@
+# SPDX-License-Identifier: MIT
+"""How the console program answers a person: formats, exit codes, refusals, a stop."""
+import csv
+import io
+import json
+import os
+import shutil
+import signal
+import subprocess
+import tempfile
+import threading
+import time
+import unittest
+
+import oracle
+
+
+class Case(unittest.TestCase):
+    def setUp(self):
+        self.folder = tempfile.mkdtemp(prefix="quillmarsh-")
+        self.addCleanup(shutil.rmtree, self.folder, ignore_errors=True)
+        os.environ["XDG_DATA_HOME"] = os.path.join(self.folder, "data home")
+
+    def make(self, name, contents=b"same", moment=1_700_000_000):
+        path = os.path.join(os.fsencode(self.folder), os.fsencode(name))
+        os.makedirs(os.path.dirname(path), exist_ok=True)
+        with open(path, "wb") as file:
+            file.write(contents)
+        os.utime(path, (moment, moment))
+        return path
+
+
+class Formats(Case):
+    def setUp(self):
+        super().setUp()
+        self.paths = [self.make("tree/one/li\nne \"quoted\", \xff.txt".encode("latin-1")),
+                      self.make("tree/two/li\nne \"quoted\", \xff.txt".encode("latin-1"))]
+        self.tree = os.path.join(self.folder, "tree")
+
+    def test_null_gives_real_bytes_with_an_extra_null_behind_each_group(self):
+        done = oracle.run("search", "--format", "null", self.tree)
+        self.assertEqual(set(done.stdout.split(b"\0")), {*self.paths, b""})
+        self.assertTrue(done.stdout.endswith(b"\0\0"))
+
+    def test_csv_quotes_what_needs_it_and_gives_real_bytes(self):
+        done = oracle.run("search", "--format", "csv", self.tree)
+        rows = list(csv.DictReader(io.StringIO(done.stdout.decode("latin-1"), newline="")))
+        self.assertEqual({row["path"].encode("latin-1") for row in rows}, set(self.paths))
+        self.assertEqual({(row["group"], row["size"], row["marked"]) for row in rows}, {("1", "4", "false")})
+
+    def test_json_carries_the_bytes_of_names_that_are_no_text(self):
+        found, answer = oracle.found_groups(self.tree, env={"TZ": "UTC"})
+        self.assertEqual(found, {frozenset(self.paths)})
+        file = answer["groupList"][0]["files"][0]
+        self.assertEqual(file["modified"], "2023-11-14T22:13:20")
+        self.assertEqual((file["size"], file["attributes"], file["marked"]), (4, 32, False))
+        self.assertEqual((answer["filesSearched"], answer["duplicates"], answer["groups"],
+                          answer["totalSize"], answer["groupList"][0]["totalSize"]), (2, 2, 1, 8, 8))
+
+    def test_text_never_lets_a_name_break_a_line(self):
+        done = oracle.run("search", self.tree)
+        self.assertEqual(done.stdout.decode().count("\u240a"), 2)
+        self.assertEqual(len([line for line in done.stdout.split(b"\n") if b"quoted" in line]), 2)
+        self.assertIn("Files searched: 2; duplicates: 2 in 1 groups", done.stdout.decode())
+        quiet = oracle.run("search", "--quiet", self.tree)
+        self.assertNotIn(b"searched", quiet.stdout)
+
+    def test_no_duplicates_is_said_and_is_no_failure(self):
+        empty = os.path.join(self.folder, "empty")
+        os.mkdir(empty)
+        done = oracle.run("search", empty)
+        self.assertEqual((done.returncode, done.stdout), (0, b"No duplicates found. Files searched: 0\n"))
+        self.assertEqual(json.loads(oracle.run("search", "--format", "json", empty).stdout)["groupList"], [])
+
+    def test_output_that_cannot_be_written_is_told(self):
+        with open("/dev/full", "wb") as full:
+            done = subprocess.run([oracle.PROGRAM, "search", self.tree], stdout=full, stderr=subprocess.PIPE)
+        self.assertEqual(done.returncode, 1)
+        self.assertIn(b"No space left", done.stderr)
+
+    def test_progress_goes_to_standard_error_when_asked_for(self):
+        self.assertEqual(oracle.run("search", self.tree).stderr, b"")
+        self.assertIn(b"Files:", oracle.run("search", "--progress", self.tree).stderr)
+
+
+class Refusals(Case):
+    def refused(self, *arguments):
+        done = oracle.run("search", *arguments)
+        self.assertEqual(done.returncode, 2, done.stderr)
+        self.assertEqual(done.stdout, b"")
+        return done.stderr.decode()
+
+    def test_a_folder_that_cannot_be_searched_is_named_with_the_reason(self):
+        self.make("tree/file.txt")
+        file = os.path.join(self.folder, "tree/file.txt")
+        missing = os.path.join(self.folder, "no such folder")
+        self.assertRegex(self.refused(missing), "no such folder.*cannot find")
+        self.assertRegex(self.refused(file), "file.txt.*not a folder")
+        both = self.refused(os.path.join(self.folder, "tree"), missing, file)
+        self.assertIn("no such folder", both)
+        self.assertIn("file.txt", both)
+
+    def test_folders_below_one_another_are_refused_unless_subfolders_are_off(self):
+        self.make("tree/below/file.txt")
+        above, below = os.path.join(self.folder, "tree"), os.path.join(self.folder, "tree/below")
+        message = self.refused(above, below)
+        self.assertIn(below, message)
+        self.assertIn("subfolder of another one", message)
+        self.assertEqual(oracle.run("search", "--no-subfolders", above, below).returncode, 0)
+
+    def test_criteria_without_name_and_size_are_refused(self):
+        self.assertIn("Name or Size", self.refused("--match", "modified", self.folder))
+
+    def test_bad_usage_says_what_is_wrong(self):
+        self.assertIn("--match", self.refused("--match", "colour", self.folder))
+        self.assertIn("FOLDER", self.refused())
+        self.assertIn("--frmat", self.refused("--frmat", "json", self.folder))
+        self.assertEqual(oracle.run().returncode, 2)
+
+    def test_help_names_every_option(self):
+        done = oracle.run("search", "--help")
+        self.assertEqual(done.returncode, 0)
+        for option in ("--match", "--no-subfolders", "--include-file", "--exclude-file",
+                       "--include-folder", "--exclude-folder", "--no-ignore", "--format", "--quiet",
+                       "--progress"):
+            self.assertIn(option, done.stdout.decode())
+
+    def test_without_a_home_a_search_goes_on(self):
+        self.make("tree/a/same.txt")
+        self.make("tree/b/same.txt")
+        environment = {"PATH": os.environ["PATH"]}
+        done = subprocess.run([oracle.PROGRAM, "search", os.path.join(self.folder, "tree")],
+                              env=environment, capture_output=True, cwd="/")
+        self.assertEqual(done.returncode, 0, done.stderr)
+        self.assertIn(b"same.txt", done.stdout)
+
+
+class Stop(Case):
+    """A stop at any moment ends the program quickly, with its exit code and without a list."""
+
+    def stop_after(self, seconds, *arguments):
+        """Runs, interrupts after `seconds`; answers the delay to the end, or None if it was over."""
+        process = subprocess.Popen([oracle.PROGRAM, "search", "--format", "json", *arguments],
+                                   stdout=subprocess.PIPE, stderr=subprocess.PIPE)
+        output = []
+        reader = threading.Thread(target=lambda: output.append(process.stdout.read()))
+        reader.start()
+        try:
+            process.wait(timeout=seconds)
+        except subprocess.TimeoutExpired:
+            pass
+        is_over = process.poll() is not None
+        begin = time.monotonic()
+        if not is_over:
+            process.send_signal(signal.SIGINT)
+        process.wait(timeout=30)
+        delay = time.monotonic() - begin
+        reader.join()
+        process.stdout.close()
+        process.stderr.close()
+        if is_over or process.returncode == 0:
+            # It was done before it saw the signal: then the list is whole.
+            json.loads(output[0])
+            return None
+        # Before the program has taken the signal over, the system ends it.
+        self.assertIn(process.returncode, (130, -signal.SIGINT))
+        with self.assertRaises(ValueError):
+            json.loads(output[0])
+        return delay
+
+    def delays(self, tree):
+        for _ in range(2):  # the first warms up
+            begin = time.monotonic()
+            self.assertEqual(oracle.run("search", "--match", "name", tree).returncode, 0)
+        whole = time.monotonic() - begin
+        steps = 12
+        delays = [self.stop_after(whole * step / steps, "--match", "name", tree) for step in range(steps)]
+        stopped = [delay for delay in delays if delay is not None]
+        self.assertGreater(len(stopped), steps // 3, "most runs were over before the stop")
+        return stopped
+
+    # The promise is 0.2 seconds. A machine that is busy otherwise may be late by itself, so one late
+    # stop of a dozen is let pass, and sanitizers are given three times as long.
+    def assert_quick(self, delays):
+        limit = 0.2 * float(os.environ.get("QUILLMARSH_SLOWNESS", "1"))
+        late = [delay for delay in delays if delay > limit]
+        self.assertLessEqual(len(late), 1, f"stops took {delays}")
+
+    def test_a_stop_within_many_folders_is_quick(self):
+        for folder in range(300):
+            for number in range(100):
+                self.make(f"tree/folder{folder}/file{number}", b"")
+        self.assert_quick(self.delays(os.path.join(self.folder, "tree")))
+
+    def test_a_stop_within_one_large_folder_is_quick(self):
+        os.makedirs(os.path.join(self.folder, "tree"))
+        handle = os.open(os.path.join(self.folder, "tree"), os.O_RDONLY)
+        for number in range(60000):
+            os.close(os.open(f"file{number}", os.O_CREAT | os.O_WRONLY, dir_fd=handle))
+        os.close(handle)
+        self.assert_quick(self.delays(os.path.join(self.folder, "tree")))
+
+
+if __name__ == "__main__":
+    unittest.main()

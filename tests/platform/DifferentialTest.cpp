@@ -1,0 +1,305 @@
+// SPDX-License-Identifier: MIT
+// Runs seeded random operations on the simulated machine and on each other machine and compares
+// every answer: results, error codes, bytes, attributes. A failure prints the seed; the environment
+// sets the number of operations (QUILLMARSH_DIFFERENTIAL_OPERATIONS) and the first seed
+// (QUILLMARSH_DIFFERENTIAL_SEED).
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cstdlib>
+#include <random>
+
+#include "platform/MachineUnderTest.h"
+
+namespace quillmarsh {
+
+namespace {
+
+constexpr std::uint64_t operationsInARun = 250;
+constexpr std::size_t handlesAtOnce = 4;
+
+std::uint64_t NumberFromEnvironment(const char* name, std::uint64_t usual) {
+  const char* const text = std::getenv(name);
+  return text == nullptr ? usual : std::strtoull(text, nullptr, 10);
+}
+
+std::string Code(Machine& machine, bool succeeded) {
+  return succeeded ? "ok" : "error " + std::to_string(machine.GetLastError());
+}
+
+// One thing to do, drawn before it is done, so that every machine does the same.
+struct Step {
+  enum class Kind {
+    MakeFolder,
+    Open,
+    Close,
+    Read,
+    Write,
+    Seek,
+    SetEnd,
+    Facts,
+    List,
+    FindOne,
+    Attributes,
+    SetReadOnly,
+    Remove
+  };
+  Kind kind;
+  Text path;  // relative to the ground
+  std::size_t slot;
+  std::uint32_t access, disposition, method;
+  std::int64_t distance;
+  std::string bytes;
+  bool flag;
+};
+
+constexpr const char* kindNames[] = {"MakeFolder", "Open",        "Close", "Read", "Write",
+                                     "Seek",       "SetEnd",      "Facts", "List", "FindOne",
+                                     "Attributes", "SetReadOnly", "Remove"};
+
+class Drawer {
+ public:
+  explicit Drawer(std::uint64_t seed) : mRandom(seed) {}
+
+  Step Draw() {
+    static constexpr std::uint32_t accesses[] = {GENERIC_READ, GENERIC_WRITE,
+                                                 GENERIC_READ | GENERIC_WRITE, FILE_APPEND_DATA};
+    // Trees and open files are to grow, so what makes them comes more often than what ends them.
+    static constexpr Step::Kind kinds[] = {
+        Step::Kind::MakeFolder, Step::Kind::MakeFolder,  Step::Kind::MakeFolder,
+        Step::Kind::Open,       Step::Kind::Open,        Step::Kind::Open,
+        Step::Kind::Open,       Step::Kind::Read,        Step::Kind::Read,
+        Step::Kind::Write,      Step::Kind::Write,       Step::Kind::Write,
+        Step::Kind::Seek,       Step::Kind::Seek,        Step::Kind::SetEnd,
+        Step::Kind::Facts,      Step::Kind::Close,       Step::Kind::List,
+        Step::Kind::List,       Step::Kind::FindOne,     Step::Kind::FindOne,
+        Step::Kind::Attributes, Step::Kind::SetReadOnly, Step::Kind::Remove};
+    Step step;
+    step.kind = kinds[Below(static_cast<int>(std::size(kinds)))];
+    step.path = Path();
+    // What a final backslash behind the name of a file means is each system's own affair.
+    const bool isOfFolders = step.kind == Step::Kind::MakeFolder || step.kind == Step::Kind::List ||
+                             step.kind == Step::Kind::FindOne;
+    if (isOfFolders && Below(10) == 0) step.path += u'\\';
+    step.slot = static_cast<std::size_t>(Below(handlesAtOnce));
+    step.access = accesses[Below(4)];
+    step.disposition = static_cast<std::uint32_t>(CREATE_NEW + static_cast<unsigned>(Below(4)));
+    step.method = static_cast<std::uint32_t>(Below(4));  // 3 is none
+    step.distance = Below(60) - 20;
+    step.bytes.assign(static_cast<std::size_t>(Below(30)), static_cast<char>('a' + Below(26)));
+    step.flag = Below(2) == 0;
+    return step;
+  }
+
+ private:
+  int Below(int limit) { return static_cast<int>(mRandom() % static_cast<std::uint64_t>(limit)); }
+
+  // Few names, so that operations meet; spellings in two cases, which are two names here.
+  Text Path() {
+    static constexpr TextView names[] = {u"a", u"A", u"b c", u"\u00E9t\u00E9", u"x.txt", u"d"};
+    static constexpr TextView wrongNames[] = {u"q?", u"<", u"p|q", u"a\u0007"};
+    Text path;
+    const int depth = 1 + std::min(Below(4), Below(4));
+    for (int i = 0; i < depth; ++i) {
+      if (i > 0) path += u'\\';
+      path += Below(60) == 0 ? wrongNames[Below(4)] : names[Below(6)];
+    }
+    return path;
+  }
+
+  std::mt19937_64 mRandom;
+};
+
+std::string Describe(const Step& step) {
+  return std::string(kindNames[static_cast<std::size_t>(step.kind)]) + " '" + ToUtf8(step.path) +
+         "' slot " + std::to_string(step.slot) + " access " + std::to_string(step.access) +
+         " disposition " + std::to_string(step.disposition) + " distance " +
+         std::to_string(step.distance) + " method " + std::to_string(step.method);
+}
+
+// One machine that carries out operations and tells what came of each as a text.
+class Player {
+ public:
+  explicit Player(std::unique_ptr<MachineUnderTest> ground) : mGround(std::move(ground)) {
+    std::fill(std::begin(mHandles), std::end(mHandles), INVALID_HANDLE);
+  }
+  ~Player() {
+    for (const HANDLE handle : mHandles)
+      if (handle != INVALID_HANDLE) Files().CloseHandle(handle);
+  }
+  Player(const Player&) = delete;
+  Player& operator=(const Player&) = delete;
+
+  std::string Do(const Step& step) {
+    const Text path = mGround->PathOf(step.path);
+    HANDLE& handle = mHandles[step.slot];
+    switch (step.kind) {
+      case Step::Kind::MakeFolder:
+        return Code(The(), The().Disk().CreateDirectoryW(path));
+      case Step::Kind::Open:
+        mAppends[step.slot] = step.access == FILE_APPEND_DATA;
+        return Open(handle, path, step);
+      case Step::Kind::Close: {
+        std::string outcome = Code(The(), Files().CloseHandle(handle));
+        handle = INVALID_HANDLE;
+        return outcome;
+      }
+      case Step::Kind::Read:
+        return Read(handle, step.bytes.size());
+      case Step::Kind::Write:
+        return Write(handle, step.bytes);
+      case Step::Kind::Seek: {
+        if (mAppends[step.slot]) return "not asked";
+        std::int64_t position = 0;
+        const bool moved = Files().SetFilePointerEx(handle, step.distance, position, step.method);
+        return moved ? "at " + std::to_string(position) : Code(The(), false);
+      }
+      case Step::Kind::SetEnd:
+        if (mAppends[step.slot]) return "not asked";
+        return Code(The(), Files().SetEndOfFile(handle));
+      case Step::Kind::Facts:
+        return Facts(handle);
+      case Step::Kind::List:
+        return List(path + (path.ends_with(u'\\') ? u"*" : u"\\*"));
+      case Step::Kind::FindOne:
+        return FindOne(path);
+      case Step::Kind::Attributes:
+        return Attributes(path);
+      case Step::Kind::SetReadOnly:
+      case Step::Kind::Remove:
+        return ChangeFromOutside(path, step);
+    }
+    return {};
+  }
+
+ private:
+  Machine& The() { return mGround->Get(); }
+  FileInputOutput& Files() { return mGround->Get().Files(); }
+
+  std::string Open(HANDLE& handle, const Text& path, const Step& step) {
+    if (handle != INVALID_HANDLE) Files().CloseHandle(handle);
+    constexpr std::uint32_t shareAll = FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE;
+    handle =
+        Files().CreateFileW(path, step.access, shareAll, step.disposition, FILE_ATTRIBUTE_NORMAL);
+    const std::string code = std::to_string(The().GetLastError());
+    return (handle == INVALID_HANDLE ? "error " : "opened with ") + code;
+  }
+
+  std::string Read(HANDLE handle, std::size_t count) {
+    std::string bytes(count, '?');
+    std::uint32_t done = 0;
+    if (!Files().ReadFile(handle, std::as_writable_bytes(std::span(bytes)), done))
+      return Code(The(), false);
+    return "read " + bytes.substr(0, done);
+  }
+
+  std::string Write(HANDLE handle, const std::string& bytes) {
+    std::uint32_t done = 0;
+    const bool written = Files().WriteFile(handle, std::as_bytes(std::span(bytes)), done);
+    return Code(The(), written) + " " + std::to_string(done);
+  }
+
+  std::string Facts(HANDLE handle) {
+    BY_HANDLE_FILE_INFORMATION information;
+    if (!Files().GetFileInformationByHandle(handle, information)) return Code(The(), false);
+    return std::to_string(information.dwFileAttributes) + " size " +
+           std::to_string(information.nFileSizeLow);
+  }
+
+  static std::string FactsOf(const WIN32_FIND_DATAW& entry, TextView name) {
+    const bool isFolder = (entry.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY) != 0;
+    return ToUtf8(name) + " " + std::to_string(entry.dwFileAttributes) + " " +
+           (isFolder ? "" : std::to_string(entry.nFileSizeLow));
+  }
+
+  std::string List(const Text& pattern) {
+    const FolderListing listing = ListFolder(The(), pattern);
+    std::vector<std::string> lines;
+    for (std::size_t i = 0; i < listing.names.size(); ++i)
+      lines.push_back(FactsOf(listing.records[i], listing.names[i]));
+    std::ranges::sort(lines);
+    std::string text =
+        std::to_string(listing.dotsFirst) + " dots, end " + std::to_string(listing.endCode);
+    for (const std::string& line : lines) text += "; " + line;
+    return text;
+  }
+
+  std::string FindOne(const Text& path) {
+    WIN32_FIND_DATAW entry;
+    const HANDLE search = The().Find().FindFirstFileW(path, entry);
+    // That a file stands where the folder should be may be told by a code of its own.
+    if (search == INVALID_HANDLE && The().GetLastError() == ERROR_DIRECTORY)
+      The().SetLastError(ERROR_PATH_NOT_FOUND);
+    if (search == INVALID_HANDLE) return Code(The(), false);
+    std::string text = FactsOf(entry, entry.cFileName);
+    text += The().Find().FindNextFileW(search, entry) ? " and more" : "";
+    text += " end " + std::to_string(The().GetLastError());
+    The().Find().FindClose(search);
+    return text;
+  }
+
+  std::string Attributes(const Text& path) {
+    const std::uint32_t attributes = Files().GetFileAttributesW(path);
+    if (attributes == INVALID_FILE_ATTRIBUTES) return Code(The(), false);
+    return std::to_string(attributes);
+  }
+
+  std::string ChangeFromOutside(const Text& path, const Step& step) {
+    const std::uint32_t attributes = Files().GetFileAttributesW(path);
+    if (attributes == INVALID_FILE_ATTRIBUTES) return "nothing there";
+    if (step.kind == Step::Kind::Remove)
+      mGround->Remove(step.path);
+    else if ((attributes & FILE_ATTRIBUTE_DIRECTORY) == 0)
+      mGround->SetReadOnly(step.path, step.flag);
+    return "done";
+  }
+
+  std::unique_ptr<MachineUnderTest> mGround;
+  HANDLE mHandles[handlesAtOnce];
+  // Nobody moves or cuts through a handle that only appends, and systems differ there.
+  bool mAppends[handlesAtOnce] = {};
+};
+
+class Differential : public testing::TestWithParam<MachineKind> {};
+
+// False at the first difference, which is then told.
+bool RunAgrees(const MachineKind& kind, std::uint64_t seed) {
+  Drawer drawer(seed);
+  Player simulated(MakeCaseSensitiveSimulated());
+  Player other(kind.make());
+  std::string history;
+  for (std::uint64_t i = 0; i < operationsInARun; ++i) {
+    const Step step = drawer.Draw();
+    const std::string expected = simulated.Do(step);
+    const std::string found = other.Do(step);
+    history += std::to_string(i) + ": " + Describe(step) + " -> " + expected + "\n";
+    EXPECT_EQ(expected, found) << "At " << Describe(step)
+                               << ". Set QUILLMARSH_DIFFERENTIAL_SEED=" << seed
+                               << " to see this again. All that was done:\n"
+                               << history;
+    if (expected != found) return false;
+  }
+  return true;
+}
+
+TEST_P(Differential, RandomOperationsHaveTheSameOutcomeOnBothMachines) {
+  const std::uint64_t operations =
+      NumberFromEnvironment("QUILLMARSH_DIFFERENTIAL_OPERATIONS", 5000);
+  const std::uint64_t firstSeed = NumberFromEnvironment("QUILLMARSH_DIFFERENTIAL_SEED", 1);
+  for (std::uint64_t done = 0; done < operations; done += operationsInARun)
+    if (!RunAgrees(GetParam(), firstSeed + done / operationsInARun)) break;
+}
+
+std::vector<MachineKind> OtherKinds() {
+  std::vector<MachineKind> kinds = MachineKinds();
+  std::erase_if(kinds, [](const MachineKind& kind) { return !kind.tellsCaseApart; });
+  return kinds;
+}
+
+GTEST_ALLOW_UNINSTANTIATED_PARAMETERIZED_TEST(Differential);
+INSTANTIATE_TEST_SUITE_P(Machines, Differential, testing::ValuesIn(OtherKinds()),
+                         [](const auto& kind) { return std::string(kind.param.name); });
+
+}  // namespace
+
+}  // namespace quillmarsh
