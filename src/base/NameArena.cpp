@@ -20,8 +20,7 @@ NameArena::NameArena(std::uint64_t capacityInUnits)
 
 NameHandle NameArena::Add(TextView name) {
   if (name.empty()) return 0;
-  if (name.size() > LongestName || mCompacting)
-    throw RuntimeError(runtime_error::InvalidProcedureCall);
+  if (name.size() > LongestName) throw RuntimeError(runtime_error::InvalidProcedureCall);
   const std::uint64_t place = PlaceFor(name.size() + 1);
   const std::uint64_t end = place + name.size() + 1;
   if (end > mCapacity) throw RuntimeError(runtime_error::OutOfMemory);
@@ -36,63 +35,23 @@ NameHandle NameArena::Add(TextView name) {
   char16_t* const target = UnitAt(handle);
   *target = static_cast<char16_t>(name.size());
   std::copy(name.begin(), name.end(), target + 1);
-  mNext = mReadEnd = end;
+  mNext = end;
   return handle;
 }
 
 TextView NameArena::Get(NameHandle handle) const {
-  if (handle == 0 || handle >= mReadEnd) return {};
+  if (handle == 0 || handle >= mNext) return {};
   const char16_t* const unit = UnitAt(handle);
   const std::size_t length = *unit;
-  // Only a handle that is no longer good can point beyond its block.
+  // Only a handle that was never given out can point beyond its block.
   if (handle % BlockUnits + 1 + length > BlockUnits) return {};
   return {unit + 1, length};
-}
-
-std::uint32_t NameArena::Mark() const {
-  return static_cast<std::uint32_t>(mNext);
-}
-
-void NameArena::BeginCompaction(std::uint32_t mark) {
-  if (mCompacting || mark == 0 || mark > mNext)
-    throw RuntimeError(runtime_error::InvalidProcedureCall);
-  mNext = mark;
-  mCompacting = true;
-}
-
-NameHandle NameArena::Keep(NameHandle handle) {
-  const TextView name = Get(handle);
-  if (name.empty()) return 0;
-  // The names that are kept are a part of those that were there, in their order, so that each
-  // finds its new place at or before its old one. A handle before that is one of the untouched.
-  const std::uint64_t place = PlaceFor(name.size() + 1);
-  if (place > handle) return handle;
-  const auto moved = static_cast<NameHandle>(place);
-  if (moved != handle) {
-    const char16_t* const source = UnitAt(handle);
-    std::copy(source, source + name.size() + 1, UnitAt(moved));
-  }
-  mNext = place + name.size() + 1;
-  return moved;
-}
-
-void NameArena::EndCompaction() {
-  mCompacting = false;
-  mReadEnd = mNext;
-  const std::uint64_t blocksInUse = mNext == 1 ? 0 : (mNext - 1) / BlockUnits + 1;
-  if (blocksInUse < mBlocks.size()) mBlocks.resize(blocksInUse);
 }
 
 void NameArena::Clear() {
   mBlocks.clear();
   mBlocks.shrink_to_fit();
-  mNext = mReadEnd = 1;
-  mCompacting = false;
-}
-
-std::uint64_t NameArena::BytesHeld() const {
-  return mBlocks.size() * (BlockUnits * sizeof(char16_t)) +
-         mBlocks.capacity() * sizeof(mBlocks.front());
+  mNext = 1;
 }
 
 char16_t* NameArena::UnitAt(std::uint32_t place) const {

@@ -1,8 +1,7 @@
 // SPDX-License-Identifier: MIT
 // Owns the names of a search's records, packed one behind the other, and hands out 32-bit handles,
-// so that a record of 40 bytes can hold a text. Names are only added at the end; the names of
-// refused records are given back by compacting everything behind a mark. Handle 0 is the empty
-// text.
+// so that a record of 40 bytes can hold a text. Names are only added, and go all at once. Handle 0
+// is the empty text.
 #pragma once
 
 #include <cstdint>
@@ -21,24 +20,13 @@ class NameArena {
   // all that a handle can address (8 GiB).
   explicit NameArena(std::uint64_t capacityInUnits = 0xFFFF'FFFFULL);
 
-  // Adds a name of at most 65,535 units (error 5 if longer, and while compacting). A full arena,
-  // and memory that runs out, raise error 7 and leave the arena as it was.
+  // Adds a name of at most 65,535 units (error 5 if longer). A full arena, and memory that runs
+  // out, raise error 7 and leave the arena as it was.
   [[nodiscard]] NameHandle Add(TextView name);
-  // Valid until the arena is cleared or compacted below this handle.
+  // Valid until the arena is cleared. A handle that was never given out reads nothing outside.
   [[nodiscard]] TextView Get(NameHandle handle) const;
 
-  // Gives back names. `Mark` is the place of the next name; `BeginCompaction` goes back to a mark;
-  // then `Keep` is called for each handle behind it that is to live, in ascending order, and
-  // answers its new handle; `EndCompaction` drops the rest. Handles before the mark stay as they
-  // are.
-  [[nodiscard]] std::uint32_t Mark() const;
-  void BeginCompaction(std::uint32_t mark);
-  [[nodiscard]] NameHandle Keep(NameHandle handle);
-  void EndCompaction();
-
   void Clear();
-  // Bytes of memory that the arena holds.
-  [[nodiscard]] std::uint64_t BytesHeld() const;
 
  private:
   static constexpr std::uint32_t BlockUnits = 1U << 18;  // 512 KiB a block
@@ -47,9 +35,7 @@ class NameArena {
   [[nodiscard]] std::uint64_t PlaceFor(std::size_t units) const;
 
   std::uint64_t mCapacity;
-  std::uint64_t mNext = 1;     // the place of the next name; 0 is the empty text
-  std::uint64_t mReadEnd = 1;  // names lie before it; beyond mNext only while compacting
-  bool mCompacting = false;
+  std::uint64_t mNext = 1;  // the place of the next name; 0 is the empty text
   std::vector<std::unique_ptr<char16_t[]>> mBlocks;
 };
 

@@ -47,11 +47,9 @@ cFileGatherer::WalkOptions cFileGatherer::WalkOptions::From(const clsDupeSetting
           settings.IncludeSubFolders()};
 }
 
-void cFileGatherer::GatherLocation(const Text& location, const cSearchFilters& filters) {
-  mLocationFiles.clear();
+void cFileGatherer::GatherLocation(const Text& location) {
   mFolderQueue.ResetQueue();
   mHinted = 0;
-  mNamesMark = mResults.mNames.Mark();
 
   Guarded(u"frmFindDuplicates.GetFilesArray", [&] {
     cFSXFileSystemObject fileSystem;
@@ -63,17 +61,16 @@ void cFileGatherer::GatherLocation(const Text& location, const cSearchFilters& f
     // After a stop the rest of the queue is dropped without touching the disk.
     if (gUserAbort || mIsIncomplete) break;
     mHinted = std::max(0, mHinted - 1);
-    GiveReadAheadHints(filters);
-    VisitQueuedFolder(idx, filters);
+    GiveReadAheadHints();
+    VisitQueuedFolder(idx);
   }
   TheMachine().Find().DropReadAhead();
-  // Going on without some of the records would show groups that are not whole.
   if (mIsIncomplete) throw RuntimeError(runtime_error::OutOfMemory);
 }
 
-void cFileGatherer::VisitQueuedFolder(std::int32_t idx, const cSearchFilters& filters) {
+void cFileGatherer::VisitQueuedFolder(std::int32_t idx) {
   const Text path = gFolderPathsList->GetFolderByIndex(idx);
-  const FolderDecision decision = filters.DecideFolder(path);
+  const FolderDecision decision = mFilters.DecideFolder(path);
   if (decision.isIncludedByName) AddFreeTextToLog(Shown(path) + u" - " + LoadResString(314));
   if (decision.isExcludedByName) AddFreeTextToLog(Shown(path) + u" - " + LoadResString(315));
   if (decision.isSkipped) return;
@@ -86,13 +83,13 @@ void cFileGatherer::VisitQueuedFolder(std::int32_t idx, const cSearchFilters& fi
 }
 
 // Tells the platform which folders come next, so that it can read them in the background.
-void cFileGatherer::GiveReadAheadHints(const cSearchFilters& filters) {
+void cFileGatherer::GiveReadAheadHints() {
   for (; mHinted < kFoldersReadAhead; ++mHinted) {
     const clsFolderQueue::Entry* entry = mFolderQueue.PeekAhead(mHinted);
     if (entry == nullptr) return;
     if ((entry->attributes & FILE_ATTRIBUTE_REPARSE_POINT) != 0) continue;
     const Text path = gFolderPathsList->GetFolderByIndex(entry->idx);
-    if (filters.HasFolderLists() && filters.DecideFolder(path).isSkipped) continue;
+    if (mFilters.HasFolderLists() && mFilters.DecideFolder(path).isSkipped) continue;
     TheMachine().Find().ReadAhead(path);
   }
 }
@@ -131,6 +128,7 @@ void cFileGatherer::GetFilesArray(cFSXFolder& folder, bool isPrimed) {
 
 bool cFileGatherer::TakeFiles(const Text& path, std::int32_t folderIdx, const cFSXFiles& files) {
   const std::int32_t count = files.Count();
+  mSpecialFolders.SetFolder(path);
   for (std::int32_t i = 1; i <= count; ++i) {
     DoEvents_Fast();
     const cFSXFileFacts file = files.Facts(i);
@@ -139,14 +137,9 @@ bool cFileGatherer::TakeFiles(const Text& path, std::int32_t folderIdx, const cF
       ShowFilesSearched();
       SetPanelToolTip(PANEL1, Shown(path));
     }
-    if (!IsFileSkipped(path, file)) {
-      DupeFileUDT record;
-      if (!MakeDupeFileUDT(file, folderIdx, mResults.mNames, record)) {
-        mIsIncomplete = true;
-        return false;
-      }
-      MarkSecondPasses(record.Name, file);
-      mLocationFiles.push_back(record);
+    if (!IsFileSkipped(path, file) && DoesPass(file) && !KeepRecord(folderIdx, file)) {
+      mIsIncomplete = true;
+      return false;
     }
     if (gUserAbort) {
       ReportSearchCancelled(mView);
@@ -171,6 +164,20 @@ bool cFileGatherer::IsFileSkipped(const Text& path, const cFSXFileFacts& file) c
     return true;
   }
   return false;
+}
+
+bool cFileGatherer::DoesPass(const cFSXFileFacts& file) const {
+  return mFilters.DoesFileMatchIncludeFilter(file.name) &&
+         !mFilters.DoesFileMatchIgnoreFilter(file.name, file.size, mSpecialFolders);
+}
+
+// False when there was no room for it, which has been reported.
+bool cFileGatherer::KeepRecord(std::int32_t folderIdx, const cFSXFileFacts& file) {
+  DupeFileUDT record;
+  if (!MakeDupeFileUDT(file, folderIdx, mResults.mNames, record)) return false;
+  MarkSecondPasses(record.Name, file);
+  mResults.mDupeFiles.push_back(record);
+  return true;
 }
 
 void cFileGatherer::MarkSecondPasses(NameHandle name, const cFSXFileFacts& file) {
@@ -215,67 +222,6 @@ bool cFileGatherer::IsFolderSkipped(TextView name, std::uint32_t attributes) con
     return true;
   }
   return false;
-}
-
-bool cFileGatherer::KeepWhatPasses(const cSearchFilters& filters,
-                                   const cSpecialFolders& specialFolders) {
-  NameArena& names = mResults.mNames;
-  SecondPassMarks marks;
-  std::size_t kept = 0;
-  std::int32_t folderIdx = 0;
-  Text folder;
-  bool isStopped = false;
-  names.BeginCompaction(mNamesMark);
-  for (DupeFileUDT& record : mLocationFiles) {
-    DoEvents_Fast();
-    if (gUserAbort) {
-      isStopped = true;
-      break;
-    }
-    if (record.ParentFolderIdx != folderIdx) {
-      folderIdx = record.ParentFolderIdx;
-      folder = GetFolderPathByIdx(folderIdx);
-    }
-    const TextView name = names.Get(record.Name);
-    if (!filters.DoesFileMatchIncludeFilter(name) ||
-        filters.DoesFileMatchIgnoreFilter(name, folder, record.Size, specialFolders)) {
-      continue;
-    }
-    record.Name = KeepName(record.Name, marks);
-    mLocationFiles[kept] = record;
-    kept += 1;
-  }
-  names.EndCompaction();
-  mLocationFiles.resize(kept);
-  mResults.mSecondPasses.merge(marks);
-  if (isStopped) {
-    ReportSearchCancelled(mView);
-    return false;
-  }
-  std::vector<DupeFileUDT>& all = mResults.mDupeFiles;
-  if (all.empty()) {
-    all.swap(mLocationFiles);
-  } else {
-    all.insert(all.end(), mLocationFiles.begin(), mLocationFiles.end());
-  }
-  Release();
-  return true;
-}
-
-// The name's new handle; the marks that stand under the old one come along.
-NameHandle cFileGatherer::KeepName(NameHandle name, SecondPassMarks& marks) {
-  const NameHandle kept = mResults.mNames.Keep(name);
-  if (!mResults.mSecondPasses.empty()) {
-    if (auto node = mResults.mSecondPasses.extract(name)) {
-      node.key() = kept;
-      marks.insert(std::move(node));
-    }
-  }
-  return kept;
-}
-
-void cFileGatherer::Release() {
-  std::vector<DupeFileUDT>().swap(mLocationFiles);
 }
 
 void cFileGatherer::ShowFilesSearched() const {

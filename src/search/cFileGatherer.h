@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
-// Reads the folders of one location after another into flat records. It keeps the work list of
-// folders and the records of the location; the records that pass the filters go to the results when
-// the location is done. A folder that cannot be read leaves a log entry and never ends the search.
+// Reads the folders of one location after another into the flat records of the results. It keeps
+// the work list of folders. What the filters refuse is counted and never becomes a record. A folder
+// that cannot be read leaves a log entry and never ends the search.
 #pragma once
 
 #include <vector>
@@ -29,44 +29,50 @@ class cFileGatherer {
     [[nodiscard]] static WalkOptions From(const clsDupeSettings& settings);
   };
 
-  cFileGatherer(cSearchResults& results, SearchView& view, const WalkOptions& options,
+  // What the walk decides by. The special folders have been told the location.
+  struct Deciders {
+    const WalkOptions& options;
+    const cSearchFilters& filters;
+    cSpecialFolders& specialFolders;
+  };
+
+  cFileGatherer(cSearchResults& results, SearchView& view, const Deciders& deciders,
                 std::int32_t& filesSearched)
-      : mResults(results), mView(view), mOptions(options), mFilesSearched(filesSearched) {}
+      : mResults(results),
+        mView(view),
+        mOptions(deciders.options),
+        mFilters(deciders.filters),
+        mSpecialFolders(deciders.specialFolders),
+        mFilesSearched(filesSearched) {}
 
-  // Walks a location (with its final backslash) breadth-first. The location's own folder is read
-  // whatever the folder filters say.
-  void GatherLocation(const Text& location, const cSearchFilters& filters);
-
-  // Moves the location's records that pass the filters to the results and gives the others' names
-  // back. False when the user stopped it, in which case the cancellation has been reported.
-  [[nodiscard]] bool KeepWhatPasses(const cSearchFilters& filters,
-                                    const cSpecialFolders& specialFolders);
-
-  // Drops the records of the location.
-  void Release();
+  // Walks a location (with its final backslash) breadth-first, until it is done or the user stops.
+  // The location's own folder is read whatever the folder filters say. A record that could not be
+  // kept raises error 7: going on without it would show groups that are not whole.
+  void GatherLocation(const Text& location);
 
  private:
-  void VisitQueuedFolder(std::int32_t idx, const cSearchFilters& filters);
-  void GiveReadAheadHints(const cSearchFilters& filters);
+  void VisitQueuedFolder(std::int32_t idx);
+  void GiveReadAheadHints();
   void GetFilesArray(cFSXFolder& folder, bool isPrimed);
   // These two answer false when the user stopped the walk.
   [[nodiscard]] bool TakeFiles(const Text& path, std::int32_t folderIdx, const cFSXFiles& files);
   [[nodiscard]] bool QueueSubFolders(const cFSXSubFolders& subFolders);
   [[nodiscard]] bool IsFileSkipped(const Text& path, const cFSXFileFacts& file) const;
   [[nodiscard]] bool IsFolderSkipped(TextView name, std::uint32_t attributes) const;
+  [[nodiscard]] bool DoesPass(const cFSXFileFacts& file) const;
+  [[nodiscard]] bool KeepRecord(std::int32_t folderIdx, const cFSXFileFacts& file);
   void MarkSecondPasses(NameHandle name, const cFSXFileFacts& file);
-  [[nodiscard]] NameHandle KeepName(NameHandle name, SecondPassMarks& marks);
   void ShowFilesSearched() const;
 
   cSearchResults& mResults;
   SearchView& mView;
-  WalkOptions mOptions;
+  const WalkOptions mOptions;
+  const cSearchFilters& mFilters;
+  cSpecialFolders& mSpecialFolders;
   std::int32_t& mFilesSearched;
   clsFolderQueue mFolderQueue;
-  std::vector<DupeFileUDT> mLocationFiles;
-  std::uint32_t mNamesMark = 0;  // the place in the name arena where the location's names begin
-  bool mIsIncomplete = false;    // a record could not be kept
-  std::int32_t mHinted = 0;      // entries behind the queue's next one that are hinted already
+  bool mIsIncomplete = false;  // a record could not be kept
+  std::int32_t mHinted = 0;    // entries behind the queue's next one that are hinted already
 };
 
 }  // namespace quillmarsh

@@ -57,13 +57,10 @@ bool cSearchFilters::DoesFileMatchIncludeFilter(TextView name) const {
   return mIncludeFiles.IsEmpty() || mIncludeFiles.DoesFileMatchAnyMask(name);
 }
 
-bool cSearchFilters::DoesFileMatchIgnoreFilter(TextView name, TextView folder, Currency size,
+bool cSearchFilters::DoesFileMatchIgnoreFilter(TextView name, Currency size,
                                                const cSpecialFolders& specialFolders) const {
-  return (mIgnoreZeroByteFiles && size == Currency()) ||
-         specialFolders.HoldsWindowsFile(folder, name) ||
-         (!mExcludeFiles.IsEmpty() && mExcludeFiles.DoesFileMatchAnyMask(name)) ||
-         specialFolders.HoldsRecycledFile(folder, name) ||
-         specialFolders.HoldsDupesFile(folder, name);
+  return (mIgnoreZeroByteFiles && size == Currency()) || specialFolders.HoldFile(name) ||
+         (!mExcludeFiles.IsEmpty() && mExcludeFiles.DoesFileMatchAnyMask(name));
 }
 
 }  // namespace quillmarsh

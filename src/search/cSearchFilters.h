@@ -35,8 +35,8 @@ class cSearchFilters {
 
   // True when no include filter is in force or the name matches one of its masks.
   [[nodiscard]] bool DoesFileMatchIncludeFilter(TextView name) const;
-  // True when the file is to be left out.
-  [[nodiscard]] bool DoesFileMatchIgnoreFilter(TextView name, TextView folder, Currency size,
+  // True when the file is to be left out. The special folders have been told its folder.
+  [[nodiscard]] bool DoesFileMatchIgnoreFilter(TextView name, Currency size,
                                                const cSpecialFolders& specialFolders) const;
 
  private:

@@ -98,10 +98,8 @@ void cSearchSession::Search() {
   DoEvents_Fast();
   gFolderPathsList->NewList();
 
-  cFileGatherer gatherer(mResults, mView, cFileGatherer::WalkOptions::From(mSettings),
-                         mFilesSearched);
   // Only a walk that was finished counts; after a stop the number is still that of an earlier one.
-  if (SearchLocations(gatherer, filters, specialFolders)) {
+  if (SearchLocations(filters, specialFolders)) {
     mResults.mFileCount = static_cast<std::int32_t>(mResults.mDupeFiles.size());
   } else {
     // Nor may what was gathered until then ever be listed as if it were all.
@@ -110,8 +108,10 @@ void cSearchSession::Search() {
 }
 
 // False when the user stopped the search.
-bool cSearchSession::SearchLocations(cFileGatherer& gatherer, const cSearchFilters& filters,
+bool cSearchSession::SearchLocations(const cSearchFilters& filters,
                                      cSpecialFolders& specialFolders) {
+  const auto options = cFileGatherer::WalkOptions::From(mSettings);
+  cFileGatherer gatherer(mResults, mView, {options, filters, specialFolders}, mFilesSearched);
   cFSXFileSystemObject fileSystem;
   std::unordered_set<Text> walked;
   for (const Text& selected : mSelectedFolders) {
@@ -122,12 +122,11 @@ bool cSearchSession::SearchLocations(cFileGatherer& gatherer, const cSearchFilte
                                drive == nullptr ? Text() : drive->FileSystem());
     SetPanel(PANEL1, LoadResString(313) + u" " + TheMachine().Drives().ShownPath(location) + u" .");
     DoEvents_Fast();
-    gatherer.GatherLocation(location, filters);
+    gatherer.GatherLocation(location);
     if (gUserAbort) {
       ReportSearchCancelled(mView);
       return false;
     }
-    if (!gatherer.KeepWhatPasses(filters, specialFolders)) return false;
   }
   return true;
 }

@@ -31,8 +31,7 @@ class cSearchSession {
 
  private:
   void Search();
-  [[nodiscard]] bool SearchLocations(class cFileGatherer& gatherer,
-                                     const class cSearchFilters& filters,
+  [[nodiscard]] bool SearchLocations(const class cSearchFilters& filters,
                                      class cSpecialFolders& specialFolders);
   void ClearListviews();
   void SetStatusForNewSearch();

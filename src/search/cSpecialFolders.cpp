@@ -9,13 +9,6 @@ namespace quillmarsh {
 
 namespace {
 
-// Whether folder + name begins with the prefix, without joining them for most files.
-bool IsBelow(TextView prefix, TextView folder, TextView name) {
-  if (folder.size() >= prefix.size()) return StartsWithIgnoringCase(folder, prefix);
-  if (folder.size() + name.size() < prefix.size()) return false;
-  return StartsWithIgnoringCase(Text(folder).append(name), prefix);
-}
-
 Text CutAtNullAndTrim(Text text) {
   if (const std::size_t end = text.find(u'\0'); end != Text::npos) text.resize(end);
   return Text(TrimBlanks(text));
@@ -60,26 +53,48 @@ void cSpecialFolders::SetLocation(TextView location, bool isRoot, TextView fileS
       mRecycleBinTextsHere.push_back(text);
     }
   }
-  mInWindows =
-      mIgnoreWindows && DoesSpecialFolderConcernLocation(mRootFlag, location, mWindowsPath);
-  mInDupes = DoesSpecialFolderConcernLocation(mRootFlag, location, mDupesPath);
+  mPrefixesHere.clear();
+  if (mIgnoreWindows && DoesSpecialFolderConcernLocation(mRootFlag, location, mWindowsPath)) {
+    mPrefixesHere.push_back(mWindowsPath);
+  }
+  if (DoesSpecialFolderConcernLocation(mRootFlag, location, mDupesPath)) {
+    mPrefixesHere.push_back(mDupesPath);
+  }
 }
 
-bool cSpecialFolders::HoldsWindowsFile(TextView folder, TextView name) const {
-  return mInWindows && IsBelow(mWindowsPath, folder, name);
+void cSpecialFolders::SetFolder(TextView folder) {
+  mHoldWholeFolder = false;
+  mNameBeginnings.clear();
+  for (const Text& prefix : mPrefixesHere) SetFolderForPrefix(folder, prefix);
+  for (const Text& text : mRecycleBinTextsHere) SetFolderForText(folder, text);
 }
 
-bool cSpecialFolders::HoldsDupesFile(TextView folder, TextView name) const {
-  return mInDupes && IsBelow(mDupesPath, folder, name);
+void cSpecialFolders::SetFolderForPrefix(TextView folder, TextView prefix) {
+  if (StartsWithIgnoringCase(folder, prefix)) {
+    mHoldWholeFolder = true;
+  } else if (StartsWithIgnoringCase(prefix, folder)) {
+    mNameBeginnings.push_back(prefix.substr(folder.size()));
+  }
 }
 
-bool cSpecialFolders::HoldsRecycledFile(TextView folder, TextView name) const {
-  for (const Text& text : mRecycleBinTextsHere) {
-    if (ContainsIgnoringCase(folder, text)) return true;
-    // The hit may also begin in the folder and end in the name.
-    const TextView tail =
-        folder.size() >= text.size() ? folder.substr(folder.size() - text.size() + 1) : folder;
-    if (ContainsIgnoringCase(Text(tail).append(name), text)) return true;
+// A name holds no backslash, so a hit that ends in the name has its last backslash at the end of
+// the folder. Every such text has one.
+void cSpecialFolders::SetFolderForText(TextView folder, TextView text) {
+  if (ContainsIgnoringCase(folder, text)) {
+    mHoldWholeFolder = true;
+    return;
+  }
+  const std::size_t head = text.rfind(u'\\') + 1;
+  if (head < text.size() && folder.size() >= head &&
+      AreStringsEqual(folder.substr(folder.size() - head), text.substr(0, head), true)) {
+    mNameBeginnings.push_back(text.substr(head));
+  }
+}
+
+bool cSpecialFolders::HoldFile(TextView name) const {
+  if (mHoldWholeFolder) return true;
+  for (const TextView beginning : mNameBeginnings) {
+    if (StartsWithIgnoringCase(name, beginning)) return true;
   }
   return false;
 }

@@ -28,21 +28,28 @@ class cSpecialFolders {
   // backslash.
   void SetLocation(TextView location, bool isRoot, TextView fileSystem);
 
-  // Whether a file lies in one of the special folders that concern the location. The folder's path
-  // has its final backslash. The two windows of the test, prefix and anywhere, see the full path.
-  [[nodiscard]] bool HoldsWindowsFile(TextView folder, TextView name) const;
-  [[nodiscard]] bool HoldsRecycledFile(TextView folder, TextView name) const;
-  [[nodiscard]] bool HoldsDupesFile(TextView folder, TextView name) const;
+  // A new folder of the location, with its final backslash, whose files are asked for next.
+  void SetFolder(TextView folder);
+  // Whether the full path of a file in that folder begins with the path of the Windows or the DUPES
+  // folder, or holds a text of the Recycle Bin anywhere, ignoring case. These are tests of text:
+  // the last letters of such a text may be the first of a file's name.
+  [[nodiscard]] bool HoldFile(TextView name) const;
 
  private:
+  void SetFolderForPrefix(TextView folder, TextView prefix);
+  void SetFolderForText(TextView folder, TextView text);
+
   bool mIgnoreWindows;
   bool mRootFlag = false;
   Text mDupesPath;
   Text mWindowsPath;
   std::vector<Text> mRecycleBinTexts;
-  bool mInWindows = false;
-  bool mInDupes = false;
-  std::vector<Text> mRecycleBinTextsHere;  // those that concern the location
+  // Of the location: what concerns it.
+  std::vector<Text> mPrefixesHere;
+  std::vector<Text> mRecycleBinTextsHere;
+  // Of the folder.
+  bool mHoldWholeFolder = false;
+  std::vector<TextView> mNameBeginnings;  // of names that complete a text which the folder begins
 };
 
 }  // namespace quillmarsh

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Names in the arena across blocks, through compaction, and at its limits.
+// Names in the arena across blocks and at its limits.
 #include "base/NameArena.h"
 
 #include <gtest/gtest.h>
@@ -53,70 +53,13 @@ TEST(NameArenaTest, ANameThatMissesTheEndOfABlockByOneGoesToTheNext) {
   }
 }
 
-TEST(NameArenaTest, CompactionKeepsWhatIsKeptAndFreesTheRest) {
-  std::mt19937 random(5);
-  for (int round = 0; round < 20; ++round) {
-    NameArena arena;
-    std::vector<std::pair<NameHandle, Text>> before;
-    std::vector<std::pair<NameHandle, Text>> behind;
-    const auto addSome = [&](auto& list, std::size_t count) {
-      for (std::size_t i = 0; i < count; ++i) {
-        Text name = NameOfLength(random() % (i % 7 == 0 ? 60000 : 300), i);
-        const NameHandle handle = arena.Add(name);
-        list.emplace_back(handle, std::move(name));
-      }
-    };
-    addSome(before, 40);
-    const std::uint32_t mark = arena.Mark();
-    addSome(behind, 200);
-    const std::uint64_t held = arena.BytesHeld();
-
-    arena.BeginCompaction(mark);
-    std::vector<std::pair<NameHandle, Text>> kept;
-    for (const auto& [handle, name] : behind) {
-      if (random() % 4 != 0) continue;
-      ASSERT_EQ(arena.Get(handle), name) << "before it is moved";
-      kept.emplace_back(arena.Keep(handle), name);
-    }
-    arena.EndCompaction();
-    EXPECT_LT(arena.BytesHeld(), held);
-    addSome(kept, 20);
-    for (const auto& [handle, name] : before) ASSERT_EQ(arena.Get(handle), name);
-    for (const auto& [handle, name] : kept) ASSERT_EQ(arena.Get(handle), name);
-  }
-}
-
 TEST(NameArenaTest, AFullArenaRaisesAnErrorAndStaysAsItWas) {
   NameArena arena(100);
   const NameHandle first = arena.Add(NameOfLength(97, 1));  // places 1 to 98
   EXPECT_EQ(ErrorOfAdding(arena, u"x"), runtime_error::OutOfMemory);
   EXPECT_EQ(arena.Get(first), NameOfLength(97, 1));
-  const std::uint32_t mark = arena.Mark();
-  EXPECT_EQ(ErrorOfAdding(arena, u"x"), runtime_error::OutOfMemory);
-  EXPECT_EQ(arena.Mark(), mark);
+  EXPECT_EQ(arena.Add(u""), 0U);
   EXPECT_EQ(ErrorOfAdding(arena, NameOfLength(65536, 1)), runtime_error::InvalidProcedureCall);
-}
-
-TEST(NameArenaTest, CompactionToTheStartMakesRoomAgain) {
-  NameArena arena(2 * BlockUnits);
-  const std::uint32_t mark = arena.Mark();
-  while (ErrorOfAdding(arena, NameOfLength(60000, 1)) == 0) {
-  }
-  arena.BeginCompaction(mark);
-  arena.EndCompaction();
-  EXPECT_LT(arena.BytesHeld(), BlockUnits);
-  EXPECT_EQ(arena.Get(mark), u"") << "a handle that was given back";
-  EXPECT_EQ(arena.Get(arena.Add(u"again")), u"again");
-}
-
-TEST(NameArenaTest, NothingIsAddedWhileCompacting) {
-  NameArena arena;
-  const NameHandle handle = arena.Add(u"kept");
-  arena.BeginCompaction(1);
-  EXPECT_EQ(ErrorOfAdding(arena, u"x"), runtime_error::InvalidProcedureCall);
-  EXPECT_EQ(arena.Keep(handle), handle);
-  arena.EndCompaction();
-  EXPECT_EQ(arena.Get(handle), u"kept");
 }
 
 TEST(NameArenaTest, AHandleThatNeverWasReadsNothingOutside) {

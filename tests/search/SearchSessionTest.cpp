@@ -270,14 +270,21 @@ TEST_F(SearchSession, SpecialFoldersAreLeftOutWhereTheyConcernTheLocation) {
 TEST_F(SearchSession, TheRootFlagStaysForAllFurtherLocations) {
   cSpecialFolders folders(true);
   folders.SetLocation(u"C:\\elsewhere\\", false, u"NTFS");
-  EXPECT_FALSE(folders.HoldsWindowsFile(u"C:\\Windows\\", u"x"));
+  const auto hold = [&folders](TextView folder, TextView name) {
+    folders.SetFolder(folder);
+    return folders.HoldFile(name);
+  };
+  EXPECT_FALSE(hold(u"C:\\Windows\\", u"x"));
   folders.SetLocation(u"C:\\", true, u"NTFS");
   folders.SetLocation(u"C:\\elsewhere\\", false, u"NTFS");
-  EXPECT_TRUE(folders.HoldsWindowsFile(u"C:\\windows\\sub\\", u"x"));
+  EXPECT_TRUE(hold(u"C:\\windows\\sub\\", u"x"));
   // A test of prefix without a boundary, and a hit that begins in the folder and ends in the name.
-  EXPECT_TRUE(folders.HoldsWindowsFile(u"C:\\", u"Windows.old"));
-  EXPECT_TRUE(folders.HoldsRecycledFile(u"C:\\", u"$RECYCLE.BIN.txt"));
-  EXPECT_FALSE(folders.HoldsRecycledFile(u"C:\\", u"$Recycle"));
+  EXPECT_TRUE(hold(u"C:\\", u"Windows.old"));
+  EXPECT_TRUE(hold(u"C:\\", u"$RECYCLE.BIN.txt"));
+  EXPECT_FALSE(hold(u"C:\\", u"$Recycle"));
+  EXPECT_TRUE(
+      hold(u"C:\\Users\\me\\AppData\\Local\\Harrow Fen\\Quillmarsh\\DUPES\\[C DRIVE]\\", u"x"));
+  EXPECT_FALSE(hold(u"C:\\Users\\me\\AppData\\Local\\Harrow Fen\\Quillmarsh\\", u"DUPES"));
 }
 
 TEST_F(SearchSession, TheRecycleBinIsNamedByTheSystemAndTheFileSystem) {

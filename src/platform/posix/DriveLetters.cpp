@@ -149,15 +149,13 @@ std::optional<Text> DriveTable::DriveForm(std::string_view native) const {
   const Mount* mount = mounts.VisibleAt(native);
   if (mount == nullptr) return {};
   const std::string inside = JoinNative(mount->root, BelowFolder(native, mount->point));
-  const Drive* best = nullptr;
-  for (const Drive& drive : drives) {
-    const bool holds = PlaceBelow(drive, mounts, mount->device, inside).has_value();
-    if (holds && (best == nullptr || drive.mount->root.size() > best->mount->root.size()))
-      best = &drive;
-  }
-  if (best == nullptr) return {};
-  Text form = {static_cast<char16_t>(best->letter), u':'};
-  std::string_view rest = BelowFolder(inside, best->mount->root);
+  // Only "/" can be a part of another drive, and it comes first.
+  const auto holder = std::find_if(drives.begin(), drives.end(), [&](const Drive& drive) {
+    return PlaceBelow(drive, mounts, mount->device, inside).has_value();
+  });
+  if (holder == drives.end()) return {};
+  Text form = {static_cast<char16_t>(holder->letter), u':'};
+  std::string_view rest = BelowFolder(inside, holder->mount->root);
   if (rest.empty()) form += u'\\';
   while (!rest.empty()) {
     const std::size_t slash = rest.find('/');

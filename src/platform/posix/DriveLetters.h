@@ -37,8 +37,8 @@ struct DriveTable {
   std::string remembered;                  // letters of file systems that are not here now
 
   [[nodiscard]] const Drive* ByLetter(char letter) const;
-  // The drive form of an absolute native path without links; none where no drive holds it. Of two
-  // drives that hold one file the one with the deeper root answers, so that the form is unique.
+  // The drive form of an absolute native path without links; none where no drive holds it. Where
+  // two drives hold one file, the one whose root is the deeper folder answers: the form is unique.
   [[nodiscard]] std::optional<Text> DriveForm(std::string_view native) const;
 };
 

@@ -7,7 +7,7 @@
 #include <sys/un.h>
 #include <unistd.h>
 
-#include "platform/posix/NameMapping.h"
+#include "platform/posix/PathResolver.h"
 #include "platform/posix/StatxFacts.h"
 #include "platform/posix/TempTree.h"
 
@@ -143,6 +143,24 @@ TEST_F(ListingTest, ListsEachOfManyEntriesOnce) {
   const WholeListing listing = List(u"D:\\many\\");
   EXPECT_EQ(listing.end, ERROR_NO_MORE_FILES);
   EXPECT_TRUE(listing.Names() == expected);
+}
+
+TEST_F(ListingTest, NeverShowsTheFilesOfAnotherDriveASecondTime) {
+  // The drive is the whole of a file system of which "/" is the part "@".
+  mTree.File("@/file");
+  mTree.File("@home/file");
+  const UniqueFd root(::open(mTree.Root().c_str(), O_PATH | O_DIRECTORY));
+  PosixOptions options;
+  options.dataHome = "";
+  options.mountInfoFile =
+      mScratch.File("mountinfo", "27 1 0:30 /@ / rw - btrfs /dev/sda1 rw\n" +
+                                     std::to_string(MountIdOf(root.Get())) + " 27 0:30 / " +
+                                     mTree.Root() + " rw - btrfs /dev/sda1 rw\n");
+  PosixMachine machine(options);
+  const WholeListing listing = ListAll(machine, u"D:\\");
+  ASSERT_EQ(listing.entries.size(), 4U);
+  EXPECT_EQ(listing.Find(u"@")->attributes, Junction);
+  EXPECT_EQ(listing.Find(u"@home")->attributes, Folder);
 }
 
 TEST_F(ListingTest, NeverTakesAnUnreadableEntryForAnEmptyOne) {
