@@ -11,20 +11,21 @@ namespace quillmarsh {
 
 namespace {
 
-bool IsWildcard(char16_t unit) {
-  return unit == u'*' || unit == u'?';
-}
-
 bool HasWildcard(TextView text) {
   return text.find_first_of(u"*?") != TextView::npos;
 }
 
-std::uint32_t PairOf(char16_t first, char16_t second) {
-  return (static_cast<std::uint32_t>(first) << 16U) | second;
+constexpr std::size_t kGramLength = 3;
+
+// Three neighbouring letters as one number.
+std::uint64_t GramAt(TextView text, std::size_t place) {
+  return (std::uint64_t{text[place]} << 32U) | (std::uint64_t{text[place + 1]} << 16U) |
+         text[place + 2];
 }
 
-std::size_t BitOf(std::uint32_t pair) {
-  return ((pair >> 16U) * 61U + (pair & 0xFFFFU)) % 4096U;
+std::size_t BitOf(std::uint64_t gram) {
+  constexpr std::uint64_t kSpread = 0x9E3779B97F4A7C15ULL;  // 2^64 over the golden ratio
+  return (gram * kSpread) >> 50U;
 }
 
 // A name in upper case, in a buffer on the stack as long as it is no longer than most.
@@ -98,22 +99,22 @@ void MaskList::Add(TextView mask) {
     mLongestExtension = std::max(mLongestExtension, behindStar.size() - 1);
     return;
   }
-  AddByPair(upper);
+  AddByGram(upper);
 }
 
-// Of all pairs that the mask's plain letters hold, the one that fewest masks are filed under yet.
-void MaskList::AddByPair(const Text& mask) {
+// Of all that the mask's plain letters hold, the one that fewest masks are filed under yet.
+void MaskList::AddByGram(const Text& mask) {
   bool isFound = false;
-  std::uint32_t best = 0;
+  std::uint64_t best = 0;
   std::size_t fewest = 0;
-  for (std::size_t i = 1; i < mask.size(); ++i) {
-    if (IsWildcard(mask[i - 1]) || IsWildcard(mask[i])) continue;
-    const std::uint32_t pair = PairOf(mask[i - 1], mask[i]);
-    const auto filed = mByPair.find(pair);
-    const std::size_t count = filed == mByPair.end() ? 0 : filed->second.size();
+  for (std::size_t i = 0; i + kGramLength <= mask.size(); ++i) {
+    if (HasWildcard(TextView(mask).substr(i, kGramLength))) continue;
+    const std::uint64_t gram = GramAt(mask, i);
+    const auto filed = mByGram.find(gram);
+    const std::size_t count = filed == mByGram.end() ? 0 : filed->second.size();
     if (!isFound || count < fewest) {
       isFound = true;
-      best = pair;
+      best = gram;
       fewest = count;
     }
   }
@@ -121,14 +122,14 @@ void MaskList::AddByPair(const Text& mask) {
     mOthers.push_back(mask);
     return;
   }
-  mByPair[best].push_back(mask);
-  mPairs.set(BitOf(best));
+  mByGram[best].push_back(mask);
+  mGrams.set(BitOf(best));
 }
 
 bool MaskList::DoesFileMatchAnyMask(TextView name) const {
   if (mMatchesAll) return true;
   const UpperName upper(name);
-  if (HasListedExtension(upper.View()) || MatchesByPairs(upper.View())) return true;
+  if (HasListedExtension(upper.View()) || MatchesByGrams(upper.View())) return true;
   for (const Text& mask : mOthers) {
     if (PathMatchSpecW(upper.View(), mask)) return true;
   }
@@ -142,13 +143,13 @@ bool MaskList::HasListedExtension(TextView upperName) const {
   return mExtensions.contains(Text(upperName.substr(dot + 1)));
 }
 
-bool MaskList::MatchesByPairs(TextView upperName) const {
-  if (mByPair.empty()) return false;
-  for (std::size_t i = 1; i < upperName.size(); ++i) {
-    const std::uint32_t pair = PairOf(upperName[i - 1], upperName[i]);
-    if (!mPairs.test(BitOf(pair))) continue;
-    const auto filed = mByPair.find(pair);
-    if (filed == mByPair.end()) continue;
+bool MaskList::MatchesByGrams(TextView upperName) const {
+  if (mByGram.empty()) return false;
+  for (std::size_t i = 0; i + kGramLength <= upperName.size(); ++i) {
+    const std::uint64_t gram = GramAt(upperName, i);
+    if (!mGrams.test(BitOf(gram))) continue;
+    const auto filed = mByGram.find(gram);
+    if (filed == mByGram.end()) continue;
     for (const Text& mask : filed->second) {
       if (PathMatchSpecW(upperName, mask)) return true;
     }

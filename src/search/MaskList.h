@@ -29,21 +29,21 @@ class MaskList {
   [[nodiscard]] bool DoesFileMatchAnyMask(TextView name) const;
 
  private:
-  using PairBits = std::bitset<4096>;
+  static constexpr std::size_t kGramBits = 1U << 14U;
 
   void Add(TextView mask);
-  void AddByPair(const Text& mask);
+  void AddByGram(const Text& mask);
   [[nodiscard]] bool HasListedExtension(TextView upperName) const;
-  [[nodiscard]] bool MatchesByPairs(TextView upperName) const;
+  [[nodiscard]] bool MatchesByGrams(TextView upperName) const;
 
   bool mIsEmpty = true;
   bool mMatchesAll = false;
   std::unordered_set<Text> mExtensions;  // of masks such as "*.dll", in upper case, without the dot
   std::size_t mLongestExtension = 0;
-  // Any other mask is filed under one pair of neighbouring letters that a matching name must hold.
-  std::unordered_map<std::uint32_t, std::vector<Text>> mByPair;
-  PairBits mPairs;            // a coarse set of the pairs in use
-  std::vector<Text> mOthers;  // masks without such a pair
+  // Any other mask is filed under three neighbouring letters that a matching name must hold.
+  std::unordered_map<std::uint64_t, std::vector<Text>> mByGram;
+  std::bitset<kGramBits> mGrams;  // a coarse set of those in use
+  std::vector<Text> mOthers;      // masks without three plain letters in a row
 };
 
 }  // namespace quillmarsh

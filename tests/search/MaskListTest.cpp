@@ -25,7 +25,7 @@ TEST(MaskList, AnswersWhatAskingForOneMaskAfterAnotherWould) {
     std::vector<Text> masks;
     for (std::size_t count = random() % 6; masks.size() < count;) {
       // Few letters, so that masks and names meet; every kind of mask comes up.
-      Text mask = RandomText(random, u"aAb.*?; \u00e9", 6);
+      Text mask = RandomText(random, round % 2 == 0 ? u"aAb.*?; \u00e9" : u"aA*.", 9);
       if (random() % 3 == 0) mask = u"*." + RandomText(random, u"aB", 3);
       masks.push_back(mask);
     }
