@@ -2,9 +2,13 @@
 #include "console/Arguments.h"
 
 #include <CLI/CLI.hpp>
+#include <algorithm>
 #include <iostream>
 #include <map>
 #include <memory>
+#include <sstream>
+
+#include "console/StandardStreams.h"
 
 namespace quillmarsh {
 
@@ -20,8 +24,8 @@ Examples:
 A folder is walked once, whatever it is called: links to folders are not entered, and other file
 systems below a folder only when they are named themselves.
 
-Exit codes: 0 done; 1 done, but something could not be read; 2 bad usage or a refused request;
-130 stopped (Ctrl+C), what was written is not whole.)";
+Exit codes: 0 done; 1 done, but something could not be read; 2 bad usage, a refused request or a
+failure; 130 stopped (Ctrl+C). After 2 and 130 what was written is not a whole list.)";
 
 // Names an option's kind of value and nothing more; what may stand there is told in the text.
 class PlainFormatter final : public CLI::Formatter {
@@ -93,6 +97,41 @@ void AddSearchOptions(CLI::App& app, SearchArguments& search) {
       ->excludes(quiet);
 }
 
+// The parser takes a folder such as "[old]" for a list; "./[old]" is the same folder and a plain
+// text.
+std::vector<std::string> WithPlainFolders(const CLI::App& search, int argc,
+                                          const char* const* argv) {
+  std::vector<std::string> arguments;
+  bool isValue = false;
+  bool areAllFolders = false;
+  for (int i = 1; i < argc; ++i) {
+    std::string argument = argv[i];
+    if (argument.starts_with("--") && !areAllFolders && !isValue) {
+      areAllFolders = argument == "--";
+      const CLI::Option* option = search.get_option_no_throw(argument);
+      isValue = option != nullptr && option->get_type_size() > 0;
+    } else {
+      if (argument.starts_with('[') && !isValue) argument.insert(0, "./");
+      isValue = false;
+    }
+    arguments.push_back(std::move(argument));
+  }
+  return arguments;
+}
+
+// The parser's own words may repeat what was typed.
+void PrintShown(std::ostream& stream, const std::string& text) {
+  std::string shown;
+  std::string_view rest = text;
+  while (!rest.empty()) {
+    const std::size_t end = std::min(rest.find('\n'), rest.size());
+    shown += ShownArgument(rest.substr(0, end));
+    if (end < rest.size()) shown += '\n';
+    rest.remove_prefix(std::min(end + 1, rest.size()));
+  }
+  stream << shown;
+}
+
 }  // namespace
 
 ParsedCommandLine ParseCommandLine(int argc, const char* const* argv) {
@@ -102,17 +141,22 @@ ParsedCommandLine ParseCommandLine(int argc, const char* const* argv) {
   app.set_version_flag("--version", std::string("quillmarsh-cli ") + QUILLMARSH_VERSION);
   app.require_subcommand(1);
   SearchArguments search;
-  CLI::App* searchCommand =
-      app.add_subcommand("search", "Find and list groups of duplicate files; nothing is changed");
+  CLI::App* searchCommand = app.add_subcommand(
+      "search", "Find and list groups of duplicate files; none of them is changed");
   AddSearchOptions(*searchCommand, search);
   searchCommand->footer(kFooter);
   ParsedCommandLine parsed;
   try {
-    app.parse(argc, argv);
+    std::vector<std::string> arguments = WithPlainFolders(*searchCommand, argc, argv);
+    std::reverse(arguments.begin(), arguments.end());  // as the parser wants them
+    app.parse(std::move(arguments));
     parsed.search = std::move(search);
   } catch (const CLI::ParseError& error) {
-    parsed.exitCode =
-        app.exit(error, std::cout, std::cerr) == 0 ? ExitCode::Done : ExitCode::Refused;
+    std::ostringstream out;
+    std::ostringstream mistakes;
+    parsed.exitCode = app.exit(error, out, mistakes) == 0 ? ExitCode::Done : ExitCode::Refused;
+    std::cout << out.str() << std::flush;
+    PrintShown(std::cerr, mistakes.str());
   }
   return parsed;
 }

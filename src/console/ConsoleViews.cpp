@@ -105,18 +105,13 @@ void ConsoleProgress::Show() {
   if (!mMessage.empty()) line += u"  " + mMessage;
   if (!mDetail.empty()) line += u"  " + mDetail;
   const std::string bytes = ToUtf8(mIsTerminal ? Shortened(line, kWidestLine) : line);
-  if (mIsTerminal) {
-    std::fprintf(stderr, "\r\033[K%s", bytes.c_str());
-    mHasLine = true;
-  } else {
-    std::fprintf(stderr, "%s\n", bytes.c_str());
-  }
-  std::fflush(stderr);
+  if (mIsTerminal) return PrintProgressLine(bytes);
+  std::fprintf(stderr, "%s\n", bytes.c_str());
 }
 
 ConsoleProgress::~ConsoleProgress() {
   if (!mIsTerminal) Show();
-  if (mHasLine) std::fputs("\r\033[K", stderr);
+  PrintProgressLine({});
 }
 
 }  // namespace quillmarsh

@@ -49,7 +49,6 @@ class ConsoleProgress final : public StatusView {
   void Show();
 
   bool mIsTerminal;
-  bool mHasLine = false;
   Text mMessage;
   Text mDetail;
   Text mFiles;

@@ -17,8 +17,17 @@ namespace {
 
 using Json = nlohmann::json;
 
+// Of a drive that has gone meanwhile there is only the path as the program knew it.
 std::string NativePathOf(const cSearchResults& results, const DupeFileUDT& record) {
-  return TheMachine().Drives().NativePath(results.FullPathOf(record));
+  const Text path = results.FullPathOf(record);
+  std::string native = TheMachine().Drives().NativePath(path);
+  return native.empty() ? ToUtf8(path) : native;
+}
+
+// A group may have a million members, and a stop is not to wait for them.
+bool IsStopped() {
+  DoEvents_Fast();
+  return gUserAbort;
 }
 
 std::string IsoTime(Date date) {
@@ -82,6 +91,7 @@ class TextWriter final : public Writer {
     mOutput.Write(std::to_string(mResults.mGroupFileCount[row]) + " files, " +
                   ToUtf8(FormatByteSize(mResults.mGroupTotalSize[row])) + " in all\n");
     for (const std::int32_t member : mResults.MembersOf(group)) {
+      if (IsStopped()) return;
       const Text path = mResults.FullPathOf(mResults.Record(member));
       mOutput.Write("  " + ToUtf8(TheMachine().Drives().ShownPath(path)) + "\n");
     }
@@ -125,6 +135,7 @@ class JsonWriter final : public Writer {
                   std::to_string(mResults.mGroupTotalSize[row].ToInteger()) + ",\"files\":[");
     bool isFirst = true;
     for (const std::int32_t member : mResults.MembersOf(group)) {
+      if (IsStopped()) return;
       mOutput.Write(isFirst ? "\n " : ",\n ");
       isFirst = false;
       WriteFile(member);
@@ -156,6 +167,7 @@ class CsvWriter final : public Writer {
 
   void WriteGroup(std::int32_t group) override {
     for (const std::int32_t member : mResults.MembersOf(group)) {
+      if (IsStopped()) return;
       const DupeFileUDT& record = mResults.Record(member);
       mOutput.Write(
           std::to_string(group) + "," + std::to_string(record.Size.ToInteger()) + "," +
@@ -184,6 +196,7 @@ class NullWriter final : public Writer {
 
   void WriteGroup(std::int32_t group) override {
     for (const std::int32_t member : mResults.MembersOf(group)) {
+      if (IsStopped()) return;
       std::string path = NativePathOf(mResults, mResults.Record(member));
       path += '\0';
       mOutput.Write(path);
@@ -214,10 +227,10 @@ bool WriteResults(const cSearchResults& results, std::int32_t filesSearched,
   const std::unique_ptr<Writer> writer = MakeWriter(results, filesSearched, options, output);
   writer->Begin();
   for (std::int32_t group = 1; group <= results.mGroupCount && !output.HasFailed(); ++group) {
-    DoEvents_Fast();
-    if (gUserAbort) return false;
+    if (IsStopped()) return false;
     writer->WriteGroup(group);
   }
+  if (gUserAbort) return false;
   writer->End();
   return true;
 }

@@ -60,7 +60,7 @@ std::vector<Text> LocationsFrom(const std::vector<std::string>& folders) {
       locations.push_back(location.path);
     } else {
       areAllUsable = false;
-      PrintError("cannot search \"" + folder + "\": " + reason);
+      PrintError("cannot search \"" + ShownArgument(folder) + "\": " + reason);
     }
   }
   if (!areAllUsable) locations.clear();
@@ -75,10 +75,16 @@ std::vector<Text> MasksFrom(const std::vector<std::string>& masks) {
   return texts;
 }
 
+// Texts that the paths of wanted folders hold. A whole path may begin on another drive than its
+// text tells, so what it stands for is a text of the list too.
 std::vector<Text> FolderTextsFrom(const std::vector<std::string>& fragments) {
+  Volumes& volumes = TheMachine().Drives();
   std::vector<Text> texts;
   for (const std::string& fragment : fragments) {
-    texts.push_back(TheMachine().Drives().TextFromNative(fragment, NativeTextKind::PathFragment));
+    texts.push_back(volumes.TextFromNative(fragment, NativeTextKind::PathFragment));
+    if (!fragment.starts_with('/')) continue;
+    const CanonicalLocation location = volumes.LocationFromNative(fragment);
+    if (location.error == 0) texts.push_back(location.path);
   }
   return texts;
 }
@@ -89,7 +95,8 @@ std::vector<Text> ExcludedFoldersFrom(const std::vector<std::string>& paths) {
   for (const std::string& path : paths) {
     const CanonicalLocation location = TheMachine().Drives().LocationFromNative(path);
     if (location.error != 0) {
-      PrintError("nothing to exclude at \"" + path + "\": " + ReasonOf(location.error));
+      PrintError("nothing to exclude at \"" + ShownArgument(path) +
+                 "\": " + ReasonOf(location.error));
       continue;
     }
     texts.push_back(AddBackslash(location.path));
@@ -120,14 +127,31 @@ void SetOptions(const SearchArguments& arguments, clsDupeSettings& settings) {
   settings.SetExcludeFolders(ListText(ExcludedFoldersFrom(arguments.excludeFolders)));
 }
 
-// Places below the locations that could not be entered even by name, since no letter was left.
-void TellPlacesWithoutLetter(const std::vector<Text>& locations) {
+bool IsBelowOneOf(const Text& place, const std::vector<Text>& locations) {
   const Volumes& volumes = TheMachine().Drives();
+  return std::any_of(locations.begin(), locations.end(), [&](const Text& location) {
+    const Text above = volumes.ShownPath(AddBackslash(location));
+    return place.starts_with(above) && place != above;
+  });
+}
+
+// Other file systems below the locations, which a walk does not enter. Those without a drive letter
+// could not be searched even if they were named.
+void TellPlacesNotEntered(const std::vector<Text>& locations) {
+  Volumes& volumes = TheMachine().Drives();
+  const Text roots = volumes.GetLogicalDriveStringsW();
+  for (std::size_t begin = 0; begin < roots.size();) {
+    const std::size_t end = std::min(roots.find(u'\0', begin), roots.size());
+    const Text root = roots.substr(begin, end - begin);
+    begin = end + 1;
+    const bool isNamed = std::find(locations.begin(), locations.end(), root) != locations.end();
+    const Text place = volumes.ShownPath(root);
+    if (isNamed || !IsBelowOneOf(place, locations)) continue;
+    PrintError("\"" + ToUtf8(place) +
+               "\" is another file system and was not searched; name it too");
+  }
   for (const Text& place : volumes.PlacesWithoutLetter()) {
-    const bool isBelow = std::any_of(locations.begin(), locations.end(), [&](const Text& location) {
-      return place.starts_with(volumes.ShownPath(AddBackslash(location)));
-    });
-    if (!isBelow) continue;
+    if (!IsBelowOneOf(place, locations)) continue;
     PrintError("no drive letter was left for \"" + ToUtf8(place) + "\"; it was not searched");
   }
 }
@@ -135,7 +159,8 @@ void TellPlacesWithoutLetter(const std::vector<Text>& locations) {
 }  // namespace
 
 ExitCode RunSearch(const SearchArguments& arguments, ProgramObjects& objects) {
-  const std::vector<Text> locations = LocationsFrom(arguments.folders);
+  std::vector<Text> locations = LocationsFrom(arguments.folders);
+  if (ConsolePump::IsStopRequested()) return ExitCode::Stopped;
   if (locations.empty()) return ExitCode::Refused;
   SetOptions(arguments, *gDupeSettings);
 
@@ -155,19 +180,20 @@ ExitCode RunSearch(const SearchArguments& arguments, ProgramObjects& objects) {
       return ExitCode::Stopped;
     case SearchOutcome::Failed:
       PrintError("the search failed; nothing is listed");
-      return ExitCode::SomeFilesFailed;
+      return ExitCode::Refused;
     case SearchOutcome::Complete:
       break;
   }
   StandardOutput output;
   const bool isWhole = WriteResults(results, session.FilesSearched(),
                                     {arguments.format, !arguments.isQuiet}, output);
-  if (!output.Finish()) return ExitCode::SomeFilesFailed;
+  if (!output.Finish()) return ExitCode::Refused;
   if (!isWhole) {
     PrintError("stopped; the list is not whole");
     return ExitCode::Stopped;
   }
-  TellPlacesWithoutLetter(locations);
+  if (arguments.isQuiet || arguments.withoutSubFolders) locations.clear();
+  TellPlacesNotEntered(locations);
   return objects.ErrorCount() > 0 ? ExitCode::SomeFilesFailed : ExitCode::Done;
 }
 

@@ -5,7 +5,15 @@
 #include <cstdio>
 #include <cstring>
 
+#include "base/Text.h"
+
 namespace quillmarsh {
+
+namespace {
+
+bool hasProgressLine = false;
+
+}  // namespace
 
 void StandardOutput::Write(std::string_view bytes) {
   if (mHasFailed) return;
@@ -29,8 +37,28 @@ bool StandardOutput::Finish() {
   return !mHasFailed;
 }
 
+void PrintProgressLine(std::string_view line) {
+  if (line.empty() && !hasProgressLine) return;
+  std::fputs("\r\033[K", stderr);
+  std::fwrite(line.data(), 1, line.size(), stderr);
+  std::fflush(stderr);
+  hasProgressLine = !line.empty();
+}
+
 void PrintError(std::string_view message) {
+  PrintProgressLine({});
   std::fprintf(stderr, "quillmarsh-cli: %.*s\n", static_cast<int>(message.size()), message.data());
+}
+
+std::string ShownArgument(std::string_view argument) {
+  constexpr char16_t kControlPictures = 0x2400;
+  constexpr char16_t kDelete = 0x7F;
+  Text text = FromUtf8(argument);
+  for (char16_t& unit : text) {
+    if (unit < u' ') unit = static_cast<char16_t>(kControlPictures + unit);
+    if (unit == kDelete) unit = u'\u2421';
+  }
+  return ToUtf8(text);
 }
 
 }  // namespace quillmarsh

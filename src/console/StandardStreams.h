@@ -23,7 +23,13 @@ class StandardOutput {
   bool mHasFailed = false;
 };
 
-// One line on standard error, behind the program's name.
+// One line on standard error, behind the program's name. A standing line of progress is erased.
 void PrintError(std::string_view message);
+
+// Writes the line of progress over the one that stands there; an empty one erases it.
+void PrintProgressLine(std::string_view line);
+
+// What was typed, as a person may read it: without control characters, and as UTF-8.
+[[nodiscard]] std::string ShownArgument(std::string_view argument);
 
 }  // namespace quillmarsh

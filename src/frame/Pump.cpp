@@ -2,6 +2,7 @@
 #include "frame/Pump.h"
 
 #include <algorithm>
+#include <chrono>
 
 #include "frame/ProgramFlags.h"
 #include "frame/Views.h"
@@ -17,8 +18,6 @@ constexpr int kShareOfTime = 4;  // a pump that lasts long may take at most a fi
 constexpr std::uint32_t kWorthAPump = QS_KEY | QS_MOUSEBUTTON | QS_PAINT | QS_HOTKEY;  // 165
 
 Clock::time_point nextDue{};
-Clock::time_point lastChance{};
-Clock::duration longestGap{};
 bool isPumping = false;
 
 // Marks the pump as running, also when an event's handler raises.
@@ -34,7 +33,6 @@ void PumpAt(Clock::time_point start) {
   }
   const Clock::time_point end = Clock::now();
   nextDue = end + std::max(kShortestInterval, kShareOfTime * (end - start));
-  lastChance = end;
 }
 
 }  // namespace
@@ -42,8 +40,6 @@ void PumpAt(Clock::time_point start) {
 void DoEvents_Fast() {
   if (isPumping || gViews.pump == nullptr) return;
   const Clock::time_point now = Clock::now();
-  if (lastChance != Clock::time_point{}) longestGap = std::max(longestGap, now - lastChance);
-  lastChance = now;
   if (now < nextDue) return;
   nextDue = now + kShortestInterval;
   if (TheMachine().Queue().GetQueueStatus(kWorthAPump) == 0) return;
@@ -53,15 +49,6 @@ void DoEvents_Fast() {
 void DoEvents() {
   if (isPumping || gViews.pump == nullptr) return;
   PumpAt(Clock::now());
-}
-
-PumpGap LongestPumpGap() {
-  return {longestGap};
-}
-
-void ResetPumpGap() {
-  longestGap = {};
-  lastChance = {};
 }
 
 bool PumpingPatience::KeepWaiting() {

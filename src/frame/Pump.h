@@ -3,8 +3,6 @@
 // next to nothing unless it is time, and it pumps only when something waits that is worth it.
 #pragma once
 
-#include <chrono>
-
 #include "platform/Machine.h"
 
 namespace quillmarsh {
@@ -16,13 +14,6 @@ void DoEvents_Fast();
 
 // Pumps now, whatever the time.
 void DoEvents();
-
-// The longest time between two chances to pump since the last reset, for tests of liveliness.
-struct PumpGap {
-  std::chrono::steady_clock::duration longest{};
-};
-[[nodiscard]] PumpGap LongestPumpGap();
-void ResetPumpGap();
 
 // Keeps the program alive while a file system does not answer, and gives the operation up when the
 // user asks to stop.

@@ -51,6 +51,7 @@ bool cDuplicateGrouping::ShowDupes(const std::vector<Text>& locations, std::int3
         break;
       case Outcome::Cancelled:
         DropGroups();
+        mResults.ResetModuleLevelArraysForNewSearch();
         ReportSearchCancelled(mView);
         break;
     }
@@ -77,8 +78,6 @@ cDuplicateGrouping::Outcome cDuplicateGrouping::SortAndGroup() {
   mResults.mFileMarked.assign(static_cast<std::size_t>(count), false);
   SetPanel(PANEL1, LoadResString(291) + u": " + DecimalText(mResults.mFileCount));
   DoEvents_Fast();
-  mResults.mCriteria = {mSettings.NamesMatch(), mSettings.SizesMatch(),
-                        mSettings.CreateTimeStampsMatch(), mSettings.LastModTimeStampsMatch()};
   if (!SortRecordsWhilePumping(mResults.mDupeFiles, mResults.mNames, mResults.mSecondPasses,
                                mResults.mCriteria)) {
     return Outcome::Cancelled;

@@ -1,21 +1,19 @@
 // SPDX-License-Identifier: MIT
 // Decides which records are duplicates of one another: sorts them by the criteria, walks the array
 // once and makes a group of each run of equal neighbours. It owns nothing; the groups, their totals
-// and the list go to the results.
+// and the list go to the results, which also tell the criteria.
 #pragma once
 
 #include <vector>
 
 #include "search/SearchView.h"
 #include "search/results/cSearchResults.h"
-#include "settings/clsDupeSettings.h"
 
 namespace quillmarsh {
 
 class cDuplicateGrouping {
  public:
-  cDuplicateGrouping(cSearchResults& results, const clsDupeSettings& settings, SearchView& view)
-      : mResults(results), mSettings(settings), mView(view) {}
+  cDuplicateGrouping(cSearchResults& results, SearchView& view) : mResults(results), mView(view) {}
 
   // Runs after every Start, also after a refused or cancelled one. `locations` and `filesSearched`
   // are for the history and the summary. False when a failure was reported; then nothing is listed.
@@ -30,7 +28,6 @@ class cDuplicateGrouping {
   void ShowOutcome(const std::vector<Text>& locations, std::int32_t filesSearched);
 
   cSearchResults& mResults;
-  const clsDupeSettings& mSettings;
   SearchView& mView;
 };
 

@@ -53,7 +53,9 @@ void cFileGatherer::GatherLocation(const Text& location) {
 
   Guarded(u"frmFindDuplicates.GetFilesArray", [&] {
     cFSXFileSystemObject fileSystem;
-    if (const auto folder = fileSystem.GetFolder(location)) GetFilesArray(*folder, false);
+    if (const auto folder = fileSystem.GetFolder(location)) return GetFilesArray(*folder, false);
+    // It was there when the search began; a location may not be left out without a word.
+    AddFolderErrorToLog(Shown(location), ERROR_PATH_NOT_FOUND, ErrorTextOf(ERROR_PATH_NOT_FOUND));
   });
   for (;;) {
     const std::int32_t idx = mFolderQueue.GetNextFolder();
@@ -135,11 +137,13 @@ bool cFileGatherer::TakeFiles(const Text& path, std::int32_t folderIdx, const cF
     mFilesSearched += 1;
     if (mFilesSearched % kFilesPerStatus == 0) {
       ShowFilesSearched();
-      SetPanelToolTip(PANEL1, Shown(path));
+      if (gViews.status != nullptr) SetPanelToolTip(PANEL1, Shown(path));
     }
-    if (!IsFileSkipped(path, file) && DoesPass(file) && !KeepRecord(folderIdx, file)) {
+    if (!IsFileSkipped(path, file) && DoesPass(file)) {
+      // Set meanwhile, so that it stays set whatever way keeping fails.
       mIsIncomplete = true;
-      return false;
+      if (!KeepRecord(folderIdx, file)) return false;
+      mIsIncomplete = false;
     }
     if (gUserAbort) {
       ReportSearchCancelled(mView);

@@ -33,7 +33,7 @@ Text GetInvalidPathErrorMsg(const Text& path) {
   cFSXFileSystemObject fileSystem;
   const auto drive = fileSystem.GetDrive(path);
   if (drive != nullptr && !drive->IsReady()) return LoadResString(189);
-  const auto folder = fileSystem.GetFolder(path);
+  const auto folder = fileSystem.GetFolder(AddBackslash(path));
   const Text failure =
       LoadResString(186) + u": " + TheMachine().Drives().ShownPath(path) + lineBreak;
   if (drive == nullptr && folder == nullptr) return failure + LoadResString(187);
@@ -53,6 +53,12 @@ Text GetInvalidPathErrorMsg(const Text& path) {
 bool IsPathInSubtreeOf(TextView a, TextView b) {
   if (a.empty() || b.empty() || a.size() == b.size()) return false;
   return a.size() > b.size() ? ContainsIgnoringCase(a, b) : ContainsIgnoringCase(b, a);
+}
+
+Text CanonicalFormOf(const Text& location) {
+  Volumes& volumes = TheMachine().Drives();
+  Text canonical = volumes.LocationFromNative(volumes.NativePath(location)).path;
+  return canonical.empty() ? location : canonical;
 }
 
 bool IsLocationUsable(const Text& path) {
@@ -87,6 +93,8 @@ bool AreCriteriaAndLocationsValid(const clsDupeSettings& settings,
   for (std::size_t p = 0; p < locations.size(); ++p) {
     for (std::size_t q = 0; q < locations.size(); ++q) {
       if (p == q || !IsPathInSubtreeOf(locations[q], locations[p])) continue;
+      // One place under two spellings is walked once and is no reason to refuse.
+      if (CanonicalFormOf(locations[q]) == CanonicalFormOf(locations[p])) continue;
       return Refuse(LoadResString(373) + lineBreak + lineBreak + LoadResString(374) + u": " +
                     volumes.ShownPath(locations[p]) + lineBreak + LoadResString(374) + u": " +
                     volumes.ShownPath(locations[q]) + lineBreak + lineBreak + LoadResString(375));

@@ -15,6 +15,10 @@ namespace quillmarsh {
 // as nested. Empty texts and texts of one length never do.
 [[nodiscard]] bool IsPathInSubtreeOf(TextView a, TextView b);
 
+// The name under which a location is known once, whatever it is called; the text itself when it
+// cannot be found.
+[[nodiscard]] Text CanonicalFormOf(const Text& location);
+
 // Whether a location can be searched; if not, one message box has told why.
 [[nodiscard]] bool IsLocationUsable(const Text& path);
 

@@ -39,18 +39,12 @@ std::vector<Text> ShownPaths(const std::vector<Text>& paths) {
   return shown;
 }
 
-// The name under which a location is known once, whatever it is called.
-Text CanonicalFormOf(const Text& location) {
-  Volumes& volumes = TheMachine().Drives();
-  Text canonical = volumes.LocationFromNative(volumes.NativePath(location)).path;
-  return canonical.empty() ? location : canonical;
-}
-
 }  // namespace
 
 SearchOutcome cSearchSession::FindDuplicateFiles() {
   const CommandScope command;
   if (!command.IsEntered()) return SearchOutcome::Refused;
+  // Cleared here and nowhere later in a search: from now on a stop is not to be lost.
   gUserAbort = false;
   bool isRefused = false;
   bool isWhole = Guarded(u"frmFindDuplicates.FindDuplicateFiles", [&] {
@@ -60,16 +54,16 @@ SearchOutcome cSearchSession::FindDuplicateFiles() {
   if (!isWhole) mResults.ResetModuleLevelArraysForNewSearch();
   // Reached on every way, also after a refused start, which has no begin entry.
   mView.StopAnimation();
-  cDuplicateGrouping grouping(mResults, mSettings, mView);
-  isWhole = grouping.ShowDupes(mSelectedFolders, mFilesSearched) && isWhole;
+  cDuplicateGrouping grouping(mResults, mView);
+  isWhole = grouping.ShowDupes(mSearchedFolders, mFilesSearched) && isWhole;
   DoEvents_Fast();
   AddToLog(log_kind::EndSearch);
   if (gLog != nullptr) {
     gLog->AppendInMemoryStringToLogFile();
     gLog->ResetInMemoryLog();
   }
-  if (isRefused) return SearchOutcome::Refused;
   if (gUserAbort) return SearchOutcome::Stopped;
+  if (isRefused) return SearchOutcome::Refused;
   return isWhole ? SearchOutcome::Complete : SearchOutcome::Failed;
 }
 
@@ -84,6 +78,7 @@ bool cSearchSession::IsCriteriaValid() {
 
 void cSearchSession::Search() {
   AddToLog(log_kind::BeginSearch);
+  mSearchedFolders = mSelectedFolders;
   mSettings.SetFolderPaths(Joined(mSelectedFolders, kListSeparator));
   AddFreeTextToLog(u"Locations To Search: " + Joined(ShownPaths(mSelectedFolders), u","));
   SetStatusForNewSearch();
@@ -93,8 +88,13 @@ void cSearchSession::Search() {
   const cSearchFilters filters(mSettings);
   for (const Text& line : filters.Announcements()) AddFreeTextToLog(line);
   cSpecialFolders specialFolders(mSettings.IgnoreFilesInWindowsDir());
-  ResetSearchCounters();
+  mFilesSearched = 0;
+  mResults.mCurrentGroup = 0;
   mResults.ResetModuleLevelArraysForNewSearch();
+  // A refused Start groups these results once more: by what they were searched for, not by what the
+  // settings say then.
+  mResults.mCriteria = {mSettings.NamesMatch(), mSettings.SizesMatch(),
+                        mSettings.CreateTimeStampsMatch(), mSettings.LastModTimeStampsMatch()};
   DoEvents_Fast();
   gFolderPathsList->NewList();
 
@@ -153,12 +153,6 @@ void cSearchSession::DisableUIForSearch() {
   mView.DisableUIForSearch();
   mView.SetGroupColumnCaption(mSettings.NamesMatch() ? LoadResString(347) : LoadResString(364));
   mView.StartAnimation();
-}
-
-void cSearchSession::ResetSearchCounters() {
-  mFilesSearched = 0;
-  mResults.mCurrentGroup = 0;
-  gUserAbort = false;
 }
 
 }  // namespace quillmarsh

@@ -36,12 +36,12 @@ class cSearchSession {
   void ClearListviews();
   void SetStatusForNewSearch();
   void DisableUIForSearch();
-  void ResetSearchCounters();
 
   cSearchResults& mResults;
   clsDupeSettings& mSettings;
   SearchView& mView;
-  std::vector<Text> mSelectedFolders;
+  std::vector<Text> mSelectedFolders;  // as the last Start found them
+  std::vector<Text> mSearchedFolders;  // those that the results come from
   std::int32_t mFilesSearched = 0;
 };
 

@@ -36,8 +36,8 @@ class clsDupeSettings {
   void SetUserDefinedMoveFolderPath(TextView value) { mUserDefinedMoveFolderPath = value; }
 
   // Any number is taken; 0 to 3 have a meaning.
-  [[nodiscard]] RemoveMethod Method() const { return mRemoveMethod; }
-  void SetMethod(RemoveMethod value) { mRemoveMethod = value; }
+  [[nodiscard]] quillmarsh::RemoveMethod RemoveMethod() const { return mRemoveMethod; }
+  void SetRemoveMethod(quillmarsh::RemoveMethod value) { mRemoveMethod = value; }
   // Any number is taken; 0 (all) to 4 have a meaning.
   [[nodiscard]] std::int32_t FileType() const { return mFileType; }
   void SetFileType(std::int32_t value) { mFileType = value; }
@@ -86,7 +86,7 @@ class clsDupeSettings {
   Text mExcludeFiles;
   Text mIncludeFiles = u"*";
   Text mUserDefinedMoveFolderPath;
-  RemoveMethod mRemoveMethod = RemoveMethod::MoveToDupesFolder;
+  quillmarsh::RemoveMethod mRemoveMethod = quillmarsh::RemoveMethod::MoveToDupesFolder;
   std::int32_t mFileType = 0;
   std::int32_t mFlags = 0;
 };

@@ -75,7 +75,7 @@ class Formats(Case):
     def test_output_that_cannot_be_written_is_told(self):
         with open("/dev/full", "wb") as full:
             done = subprocess.run([oracle.PROGRAM, "search", self.tree], stdout=full, stderr=subprocess.PIPE)
-        self.assertEqual(done.returncode, 1)
+        self.assertEqual(done.returncode, 2)
         self.assertIn(b"No space left", done.stderr)
 
     def test_progress_goes_to_standard_error_when_asked_for(self):
@@ -117,6 +117,19 @@ class Refusals(Case):
         self.assertIn("--frmat", self.refused("--frmat", "json", self.folder))
         self.assertEqual(oracle.run().returncode, 2)
 
+    def test_a_folder_is_taken_as_it_is_called(self):
+        # Brackets, blanks at the end, a dash in front, a tilde, a line break.
+        names = ["[a]", "[b,c]", "blank ", "-dash", "~", "new\nline"]
+        for name in ["a", "b", "c", "blank", *names]:
+            self.make(f"tree/{name}/1/only here")
+            self.make(f"tree/{name}/2/only here")
+        for name in names:
+            done = subprocess.run([oracle.PROGRAM, "search", "--format", "null", "--", name],
+                                  capture_output=True, cwd=os.path.join(self.folder, "tree"))
+            folders = {os.path.dirname(os.path.dirname(path)) for path in done.stdout.split(b"\0") if path}
+            self.assertEqual(folders, {os.fsencode(os.path.join(self.folder, "tree", name))}, done.stderr)
+        self.assertIn("no\u240asuch\u241b", self.refused(os.path.join(self.folder, "no\nsuch\x1b")))
+
     def test_help_names_every_option(self):
         done = oracle.run("search", "--help")
         self.assertEqual(done.returncode, 0)
@@ -140,7 +153,8 @@ class Stop(Case):
 
     def stop_after(self, seconds, *arguments):
         """Runs, interrupts after `seconds`; answers the delay to the end, or None if it was over."""
-        process = subprocess.Popen([oracle.PROGRAM, "search", "--format", "json", *arguments],
+        process = subprocess.Popen([oracle.PROGRAM, "search", "--format", "json", "--no-ignore", "zero",
+                                    *arguments],
                                    stdout=subprocess.PIPE, stderr=subprocess.PIPE)
         output = []
         reader = threading.Thread(target=lambda: output.append(process.stdout.read()))
@@ -171,10 +185,11 @@ class Stop(Case):
     def delays(self, tree):
         for _ in range(2):  # the first warms up
             begin = time.monotonic()
-            self.assertEqual(oracle.run("search", "--match", "name", tree).returncode, 0)
+            done = oracle.run("search", "--no-ignore", "zero", "--match", "size", tree)
+            self.assertEqual(done.returncode, 0)
         whole = time.monotonic() - begin
         steps = 12
-        delays = [self.stop_after(whole * step / steps, "--match", "name", tree) for step in range(steps)]
+        delays = [self.stop_after(whole * step / steps, "--match", "size", tree) for step in range(steps)]
         stopped = [delay for delay in delays if delay is not None]
         self.assertGreater(len(stopped), steps // 3, "most runs were over before the stop")
         return stopped

@@ -4,6 +4,8 @@
 #include <random>
 
 #include "base/CaseMapping.h"
+#include "frame/ProgramFlags.h"
+#include "frame/Pump.h"
 #include "fsobjects/cFSXFolderPathsList.h"
 #include "search/ProgramFixture.h"
 #include "search/cDuplicateGrouping.h"
@@ -28,12 +30,8 @@ class Grouping : public ProgramFixture {
   }
 
   void Group(bool name, bool size, bool created, bool modified) {
-    gDupeSettings->SetNamesMatch(name);
-    gDupeSettings->SetSizesMatch(size);
-    gDupeSettings->SetCreateTimeStampsMatch(created);
-    gDupeSettings->SetLastModTimeStampsMatch(modified);
-    EXPECT_TRUE(cDuplicateGrouping(results, *gDupeSettings, view)
-                    .ShowDupes({u"C:\\a"}, results.mFileCount));
+    results.mCriteria = {name, size, created, modified};
+    EXPECT_TRUE(cDuplicateGrouping(results, view).ShowDupes({u"C:\\a"}, results.mFileCount));
   }
 
   // Member texts of all groups, "1,2 3,4,5".
@@ -105,6 +103,21 @@ TEST_F(Grouping, OneRecordMakesNoGroupAndTheSummarySaysSo) {
   ASSERT_EQ(view.summaries.size(), 1U);
   EXPECT_EQ(view.summaries[0].NumDuplicatesFound, 0);
   EXPECT_FALSE(view.isResultsView);
+}
+
+TEST_F(Grouping, AStopDuringTheSortLeavesNothingToList) {
+  machine.SetWaitingEvents(QS_KEY);
+  for (int i = 0; i < 400000; ++i) Add(u"a rather long name " + DecimalText(i % 1000), 1);
+  // The first pump comes before the sort, the second during it.
+  int pumps = 0;
+  pump.onPump = [&pumps] { gUserAbort = ++pumps >= 2; };
+  DoEvents();
+  Group(true, true, false, false);
+  EXPECT_GE(pumps, 2);
+  EXPECT_EQ(results.mGroupCount, 0);
+  EXPECT_EQ(results.RecordCount(), 0);
+  EXPECT_EQ(Panel(PANEL1), "Search cancelled by user.");
+  EXPECT_TRUE(view.summaries.empty());
 }
 
 TEST_F(Grouping, RandomForestsGroupLikeAMapOfKeys) {

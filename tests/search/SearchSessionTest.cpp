@@ -130,8 +130,14 @@ TEST_F(SearchSession, ARefusedStartAfterResultsListsEachGroupOnce) {
   Make(u"C:\\data\\1\\x");
   Make(u"C:\\data\\2\\x");
   ASSERT_EQ(Search({u"C:\\data"}), SearchOutcome::Complete);
+  Make(u"C:\\data\\3\\y");
   messages.Expect();
-  EXPECT_EQ(Search({}), SearchOutcome::Refused);
+  // The settings that are refused must not decide what the old results are grouped by.
+  gDupeSettings->SetNamesMatch(false);
+  gDupeSettings->SetSizesMatch(false);
+  EXPECT_EQ(Search({u"C:\\elsewhere"}), SearchOutcome::Refused);
+  EXPECT_TRUE(HasLogged("Folder(s) searched: \r\n\tC:\\data\r\n"));
+  EXPECT_FALSE(HasLogged("C:\\elsewhere"));
   EXPECT_EQ(results.ulvwDupeGroups.Count(), 1);
   EXPECT_EQ(results.mGroupCount, 1);
   EXPECT_EQ(results.mDupeFileCount, 2);
@@ -298,7 +304,8 @@ TEST_F(SearchSession, TheRecycleBinIsNamedByTheSystemAndTheFileSystem) {
 TEST_F(SearchSession, OneLocationUnderTwoSpellingsIsWalkedOnce) {
   Make(u"C:\\Data\\1\\x");
   Make(u"C:\\Data\\2\\x");
-  ASSERT_EQ(Search({u"C:\\Data", u"c:\\DATA", u"C:\\Data"}), SearchOutcome::Complete);
+  ASSERT_EQ(Search({u"C:\\Data", u"c:\\DATA", u"C:\\Data", u"C:\\Data\\"}),
+            SearchOutcome::Complete);
   EXPECT_EQ(results.mDupeFiles.size(), 2U);
 }
 

@@ -250,7 +250,7 @@ bool SortRecordsWhilePumping(std::vector<DupeFileUDT>& records, const NameArena&
     isDone = true;
     done.notify_one();
   });
-  {
+  try {
     std::unique_lock lock(mutex);
     while (!done.wait_for(lock, std::chrono::milliseconds(5), [&] { return isDone; })) {
       lock.unlock();
@@ -258,6 +258,11 @@ bool SortRecordsWhilePumping(std::vector<DupeFileUDT>& records, const NameArena&
       if (gUserAbort) stop = true;
       lock.lock();
     }
+  } catch (...) {
+    // An event's handler may raise; the helper works on what is here and has to end first.
+    stop = true;
+    helper.join();
+    throw;
   }
   helper.join();
   if (failure) std::rethrow_exception(failure);

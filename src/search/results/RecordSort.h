@@ -12,7 +12,7 @@
 namespace quillmarsh {
 
 // Sorts. When `stop` becomes true meanwhile the records are left exactly as they were and the
-// answer is false. Memory for about 24 bytes a record is needed meanwhile.
+// answer is false. Memory for up to 48 bytes a record is needed meanwhile.
 [[nodiscard]] bool SortRecords(std::vector<DupeFileUDT>& records, const NameArena& names,
                                const SecondPassMarks& secondPasses, const SearchCriteria& criteria,
                                const std::atomic<bool>& stop);

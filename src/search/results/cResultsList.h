@@ -27,7 +27,6 @@ class cResultsList {
   void Clear();
   // Adds an item at the end.
   void Add(std::int32_t itemData);
-  void Reserve(std::size_t count) { mItems.reserve(count); }
 
   // What a view sees: nothing while the list is locked.
   [[nodiscard]] std::int32_t VisibleCount() const { return mIsLocked ? 0 : Count(); }
