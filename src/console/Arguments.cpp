@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+// The options of each command, told to the parser, and its help as a person reads it.
 #include "console/Arguments.h"
 
 #include <CLI/CLI.hpp>

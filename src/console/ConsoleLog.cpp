@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+// Of all entries of the log, those that a person at a console has to know.
 #include "console/ConsoleLog.h"
 
 #include "console/StandardStreams.h"

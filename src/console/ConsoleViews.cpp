@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+// Signals, the line of progress, and message boxes as lines on standard error.
 #include "console/ConsoleViews.h"
 
 #include <algorithm>

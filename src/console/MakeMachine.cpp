@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+// The machine is picked when the program is built.
 #include "console/MakeMachine.h"
 
 #include "platform/posix/PosixMachine.h"

@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+// Making and releasing, in one order and its reverse.
 #include "console/ProgramObjects.h"
 
 #include "frame/ErrorReporting.h"

@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+// One writer for each form of output.
 #include "console/ResultsWriters.h"
 
 #include <memory>

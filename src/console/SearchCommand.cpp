@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+// From arguments to options and locations, through the search, to the output and the exit code.
 #include "console/SearchCommand.h"
 
 #include <algorithm>

@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+// Buffered standard output, and standard error beside a line of progress.
 #include "console/StandardStreams.h"
 
 #include <cerrno>

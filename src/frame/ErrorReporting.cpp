@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+// The message and the entry of the detail file, and the reporter's own handler.
 #include "frame/ErrorReporting.h"
 
 #include <array>

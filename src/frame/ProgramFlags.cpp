@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+// The flags all begin cleared.
 #include "frame/ProgramFlags.h"
 
 namespace quillmarsh {

@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+// When it is time to pump: a clock is read at each call, the queue is asked only when it is due.
 #include "frame/Pump.h"
 
 #include <algorithm>

@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+// The views in use, and what happens where there is none.
 #include "frame/Views.h"
 
 namespace quillmarsh {

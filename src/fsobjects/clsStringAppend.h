@@ -43,7 +43,7 @@ class clsStringAppend {
 
   Text mText;
   std::int64_t mChunkSize = 16384;  // bytes
-  std::int64_t mCapacity = 0;       // bytes, as told
+  std::int64_t mCapacity = 0;       // bytes, as callers are told
 };
 
 }  // namespace quillmarsh

@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+// One entry in the log, the status, and whatever still runs for the search.
 #include "search/Cancellation.h"
 
 #include "frame/ProgramFlags.h"

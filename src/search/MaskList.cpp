@@ -1,4 +1,6 @@
 // SPDX-License-Identifier: MIT
+// Plain endings are looked up; any other mask is asked only about names that hold three letters of
+// it.
 #include "search/MaskList.h"
 
 #include <algorithm>

@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+// Sort, one walk over neighbours, and what is shown at the end.
 #include "search/cDuplicateGrouping.h"
 
 #include "base/LocaleFormat.h"

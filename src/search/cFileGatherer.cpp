@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+// The walk: the location itself, then its queue, and each file past the filters.
 #include "search/cFileGatherer.h"
 
 #include <algorithm>

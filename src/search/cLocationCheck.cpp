@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+// The checks in their order, each with its message.
 #include "search/cLocationCheck.h"
 
 #include "base/RuntimeError.h"

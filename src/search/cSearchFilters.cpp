@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+// Reading the lists, and deciding by them.
 #include "search/cSearchFilters.h"
 
 #include "base/TextEquality.h"

@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+// The order of a search, and its end on every way out.
 #include "search/cSearchSession.h"
 
 #include <unordered_set>

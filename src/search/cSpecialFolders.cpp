@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+// Most is decided once for a folder; a file is asked only where its name may complete a text.
 #include "search/cSpecialFolders.h"
 
 #include "base/TextEquality.h"

@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+// A flat array and a place in it.
 #include "search/clsFolderQueue.h"
 
 namespace quillmarsh {

@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+// Both folders are made when they are asked for.
 #include "settings/OptionsFolder.h"
 
 #include "frame/ErrorReporting.h"

@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+// What a new object holds.
 #include "settings/clsDupeSettings.h"
 
 #include "fsobjects/modBitManipulation.h"

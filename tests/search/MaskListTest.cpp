@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+// The compiled list against asking for one mask after another.
 #include "search/MaskList.h"
 
 #include <gtest/gtest.h>

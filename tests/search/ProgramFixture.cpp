@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+// Sets everything that the logic expects around it, and takes it down again.
 #include "search/ProgramFixture.h"
 
 #include "frame/ProgramFlags.h"

@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+// The log in use, which may be none.
 #include "removal/history/cLog.h"
 
 namespace quillmarsh {

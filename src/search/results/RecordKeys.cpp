@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+// Fields as numbers that compare as their texts would.
 #include "search/results/RecordKeys.h"
 
 #include "base/LocaleFormat.h"

@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+// Items, the selection, and telling of changes.
 #include "search/results/cResultsList.h"
 
 namespace quillmarsh {

@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+// Groups as ranges, cells on demand, and giving memory back.
 #include "search/results/cSearchResults.h"
 
 #include <algorithm>
