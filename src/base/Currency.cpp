@@ -74,6 +74,15 @@ Text Currency::ToText() const {
   return text + decimals;
 }
 
+Currency Currency::SaturatingSum(Currency a, Currency b) {
+  std::int64_t raw = 0;
+  if (__builtin_add_overflow(a.mRaw, b.mRaw, &raw)) {
+    raw = a.mRaw < 0 ? std::numeric_limits<std::int64_t>::min()
+                     : std::numeric_limits<std::int64_t>::max();
+  }
+  return FromRaw(raw);
+}
+
 Currency Currency::Sum(Currency a, Currency b) {
   return FromRaw(CheckedSum(a.mRaw, b.mRaw));
 }

@@ -41,6 +41,8 @@ class Currency {
   [[nodiscard]] friend Currency operator*(Currency a, std::int64_t factor) {
     return Product(a, factor);
   }
+  // For totals that are only shown: what does not fit stays at the largest number.
+  [[nodiscard]] static Currency SaturatingSum(Currency a, Currency b);
   friend constexpr auto operator<=>(Currency, Currency) = default;
 
  private:

@@ -63,6 +63,10 @@ void AddRepeatable(CLI::App& app, const std::string& name, std::vector<std::stri
                    const std::string& type, const std::string& help) {
   app.add_option(name, into, help)
       ->type_name(type)
+      ->check([](const std::string& value) {
+        const bool isBlank = value.find_first_not_of(' ') == std::string::npos;
+        return isBlank ? std::string("an empty text chooses nothing") : std::string();
+      })
       ->allow_extra_args(false)
       ->multi_option_policy(CLI::MultiOptionPolicy::TakeAll);
 }
@@ -74,7 +78,7 @@ void AddSearchOptions(CLI::App& app, SearchArguments& search) {
               "name or size must be among them");
   app.add_flag("--no-subfolders", search.withoutSubFolders, "Search the named folders only");
   AddRepeatable(app, "--include-file", search.includeFiles, "MASK",
-                "Only files whose name matches, such as '*.jpg' (repeatable)");
+                "Only files whose name matches, such as '*.jpg' or '*.jpg;*.png' (repeatable)");
   AddRepeatable(app, "--exclude-file", search.excludeFiles, "MASK",
                 "No files whose name matches (repeatable)");
   AddRepeatable(app, "--include-folder", search.includeFolders, "TEXT",

@@ -17,13 +17,17 @@ namespace {
 
 constexpr auto kTerminalInterval = std::chrono::milliseconds(100);
 constexpr auto kFileInterval = std::chrono::seconds(1);
-constexpr std::size_t kWidestLine = 100;  // characters; a longer line would wrap in most terminals
+constexpr std::size_t kWidestLine = 79;  // characters; a longer line would wrap in some terminals
 
 volatile std::sig_atomic_t stopRequested = 0;
 
-extern "C" void OnStopSignal(int) {
+void OnStop() {
   if (stopRequested != 0) std::_Exit(static_cast<int>(ExitCode::Stopped));
   stopRequested = 1;
+}
+
+extern "C" void OnStopSignal(int) {
+  OnStop();
 }
 
 // Cut in the middle, where a path has least to say.
@@ -60,15 +64,18 @@ MessageBoxResult ConsoleMessages::Show(const MessageBoxRequest& request) {
   return MessageBoxResult::Cancel;
 }
 
-ConsolePump::ConsolePump() {
-  std::signal(SIGINT, OnStopSignal);
-  std::signal(SIGTERM, OnStopSignal);
+ConsolePump::ConsolePump(Machine& machine) : mMachine(machine) {
+  if (!mMachine.Process().SetConsoleCtrlHandler(OnStop)) {
+    std::signal(SIGINT, OnStopSignal);
+    std::signal(SIGTERM, OnStopSignal);
+  }
 #ifdef SIGPIPE
   std::signal(SIGPIPE, SIG_IGN);  // a reader that has gone is an error of the write
 #endif
 }
 
 ConsolePump::~ConsolePump() {
+  if (mMachine.Process().SetConsoleCtrlHandler(nullptr)) return;
   std::signal(SIGINT, SIG_DFL);
   std::signal(SIGTERM, SIG_DFL);
 }

@@ -8,6 +8,7 @@
 #include <cstdint>
 
 #include "frame/Views.h"
+#include "platform/Machine.h"
 #include "search/SearchView.h"
 
 namespace quillmarsh {
@@ -24,11 +25,14 @@ class ConsoleMessages final : public MessageView {
 // Takes the signals over for as long as it lives.
 class ConsolePump final : public PumpView {
  public:
-  ConsolePump();
+  explicit ConsolePump(Machine& machine);
   ~ConsolePump() override;
   // Sets the stop flags once a signal has come, and again at each call.
   void PumpEvents() override;
   [[nodiscard]] static bool IsStopRequested();
+
+ private:
+  Machine& mMachine;
 };
 
 // One line on standard error that is written over a few times a second.

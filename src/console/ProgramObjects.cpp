@@ -11,7 +11,7 @@
 
 namespace quillmarsh {
 
-ProgramObjects::ProgramObjects(Machine& machine) {
+ProgramObjects::ProgramObjects(Machine& machine) : mPump(machine) {
   UseMachine(&machine);
   machine.SetPatience(&mPatience);
   gViews = {&mMessages, nullptr, &mPump};

@@ -111,7 +111,8 @@ class TextWriter final : public Writer {
     }
     mOutput.Write("Files searched: " + number(mFilesSearched) + "; duplicates: " +
                   number(mResults.mDupeFileCount) + " in " + number(mResults.mGroupCount) +
-                  " groups, " + ToUtf8(FormatByteSize(mResults.mDupeTotalSize)) + "\n");
+                  (mResults.mGroupCount == 1 ? " group, " : " groups, ") +
+                  ToUtf8(FormatByteSize(mResults.mDupeTotalSize)) + "\n");
   }
 
  private:

@@ -3,6 +3,7 @@
 #include "console/SearchCommand.h"
 
 #include <algorithm>
+#include <optional>
 
 #include "console/ResultsWriters.h"
 #include "console/StandardStreams.h"
@@ -10,6 +11,7 @@
 #include "frame/ProgramFlags.h"
 #include "fsobjects/modPaths.h"
 #include "platform/Machine.h"
+#include "search/cLocationCheck.h"
 #include "search/cSearchSession.h"
 
 namespace quillmarsh {
@@ -38,16 +40,37 @@ Text ListText(const std::vector<Text>& entries) {
   return list;
 }
 
+// Two locations of which the path of one holds that of the other anywhere are refused together by
+// the search. Its own words for that would not always be true, and they speak of a window's option.
+bool AreTwoTooClose(const std::vector<Text>& locations) {
+  const Volumes& volumes = TheMachine().Drives();
+  for (const Text& one : locations) {
+    for (const Text& other : locations) {
+      if (one.size() >= other.size() || !IsPathInSubtreeOf(other, one)) continue;
+      PrintError("\"" + ToUtf8(volumes.ShownPath(one)) + "\" and \"" +
+                 ToUtf8(volumes.ShownPath(other)) +
+                 "\" cannot be searched together, since the path of one holds the other's:\n"
+                 "  search them one after the other, a folder above both, or with --no-subfolders");
+      return true;
+    }
+  }
+  return false;
+}
+
 // The drive form of each location. Every one that cannot be searched is told, with the reason; none
 // at all is answered when there is such a one.
-std::vector<Text> LocationsFrom(const std::vector<std::string>& folders) {
+std::vector<Text> LocationsFrom(const std::vector<std::string>& folders, bool withoutSubFolders) {
   Machine& machine = TheMachine();
   std::vector<Text> locations;
   bool areAllUsable = true;
   for (const std::string& folder : folders) {
     const CanonicalLocation location = machine.Drives().LocationFromNative(folder);
     std::string reason;
-    if (location.error != 0) {
+    if (location.error == ERROR_INVALID_DRIVE) {
+      reason =
+          "It lies on a file system without a drive letter: one of a kind that does not hold a\n"
+          "  person's files, or none of the letters that drives.ini remembers is free.";
+    } else if (location.error != 0) {
       reason = ReasonOf(location.error);
     } else {
       const std::uint32_t attributes = machine.Files().GetFileAttributesW(location.path);
@@ -64,7 +87,7 @@ std::vector<Text> LocationsFrom(const std::vector<std::string>& folders) {
       PrintError("cannot search \"" + ShownArgument(folder) + "\": " + reason);
     }
   }
-  if (!areAllUsable) locations.clear();
+  if (!areAllUsable || (!withoutSubFolders && AreTwoTooClose(locations))) locations.clear();
   return locations;
 }
 
@@ -83,6 +106,7 @@ std::vector<Text> FolderTextsFrom(const std::vector<std::string>& fragments) {
   std::vector<Text> texts;
   for (const std::string& fragment : fragments) {
     texts.push_back(volumes.TextFromNative(fragment, NativeTextKind::PathFragment));
+    if (fragment == "*") texts.back() = u"*";  // all folders
     if (!fragment.starts_with('/')) continue;
     const CanonicalLocation location = volumes.LocationFromNative(fragment);
     if (location.error == 0) texts.push_back(location.path);
@@ -91,21 +115,24 @@ std::vector<Text> FolderTextsFrom(const std::vector<std::string>& fragments) {
 }
 
 // Folders to leave out, as the walk will name them.
-std::vector<Text> ExcludedFoldersFrom(const std::vector<std::string>& paths) {
+// One that is not there is a mistake: what a person wanted left out would be found.
+std::optional<std::vector<Text>> ExcludedFoldersFrom(const std::vector<std::string>& paths) {
   std::vector<Text> texts;
   for (const std::string& path : paths) {
     const CanonicalLocation location = TheMachine().Drives().LocationFromNative(path);
     if (location.error != 0) {
-      PrintError("nothing to exclude at \"" + ShownArgument(path) +
-                 "\": " + ReasonOf(location.error));
-      continue;
+      PrintError("cannot exclude \"" + ShownArgument(path) + "\": " + ReasonOf(location.error));
+      return std::nullopt;
     }
     texts.push_back(AddBackslash(location.path));
   }
   return texts;
 }
 
-void SetOptions(const SearchArguments& arguments, clsDupeSettings& settings) {
+// False when an argument was refused, which has been told.
+bool SetOptions(const SearchArguments& arguments, clsDupeSettings& settings) {
+  const auto excluded = ExcludedFoldersFrom(arguments.excludeFolders);
+  if (!excluded) return false;
   settings.SetIncludeSubFolders(!arguments.withoutSubFolders);
   if (!arguments.match.empty()) {
     settings.SetNamesMatch(Has(arguments.match, "name"));
@@ -125,7 +152,8 @@ void SetOptions(const SearchArguments& arguments, clsDupeSettings& settings) {
   settings.SetIncludeFiles(ListText(MasksFrom(arguments.includeFiles)));
   settings.SetExcludeFiles(ListText(MasksFrom(arguments.excludeFiles)));
   settings.SetIncludeFolders(ListText(FolderTextsFrom(arguments.includeFolders)));
-  settings.SetExcludeFolders(ListText(ExcludedFoldersFrom(arguments.excludeFolders)));
+  settings.SetExcludeFolders(ListText(*excluded));
+  return true;
 }
 
 bool IsBelowOneOf(const Text& place, const std::vector<Text>& locations) {
@@ -160,10 +188,10 @@ void TellPlacesNotEntered(const std::vector<Text>& locations) {
 }  // namespace
 
 ExitCode RunSearch(const SearchArguments& arguments, ProgramObjects& objects) {
-  std::vector<Text> locations = LocationsFrom(arguments.folders);
+  std::vector<Text> locations = LocationsFrom(arguments.folders, arguments.withoutSubFolders);
+  const bool isAccepted = !locations.empty() && SetOptions(arguments, *gDupeSettings);
   if (ConsolePump::IsStopRequested()) return ExitCode::Stopped;
-  if (locations.empty()) return ExitCode::Refused;
-  SetOptions(arguments, *gDupeSettings);
+  if (!isAccepted) return ExitCode::Refused;
 
   const bool isTerminal = TheMachine().Process().IsConsole(StandardStream::Error);
   if (arguments.showsProgress || (isTerminal && !arguments.isQuiet))
@@ -171,7 +199,9 @@ ExitCode RunSearch(const SearchArguments& arguments, ProgramObjects& objects) {
   cSearchResults results;
   ConsoleSearchView view(locations);
   cSearchSession session(results, *gDupeSettings, view);
-  const SearchOutcome outcome = session.FindDuplicateFiles();
+  SearchOutcome outcome = session.FindDuplicateFiles();
+  // A stop that came too late for the search is still in time for the list.
+  if (ConsolePump::IsStopRequested()) outcome = SearchOutcome::Stopped;
   objects.EndProgress();
   switch (outcome) {
     case SearchOutcome::Refused:
@@ -188,11 +218,12 @@ ExitCode RunSearch(const SearchArguments& arguments, ProgramObjects& objects) {
   StandardOutput output;
   const bool isWhole = WriteResults(results, session.FilesSearched(),
                                     {arguments.format, !arguments.isQuiet}, output);
-  if (!output.Finish()) return ExitCode::Refused;
-  if (!isWhole) {
+  const bool isWritten = output.Finish();
+  if (!isWhole || ConsolePump::IsStopRequested()) {
     PrintError("stopped; the list is not whole");
     return ExitCode::Stopped;
   }
+  if (!isWritten) return ExitCode::Refused;
   if (arguments.isQuiet || arguments.withoutSubFolders) locations.clear();
   TellPlacesNotEntered(locations);
   return objects.ErrorCount() > 0 ? ExitCode::SomeFilesFailed : ExitCode::Done;

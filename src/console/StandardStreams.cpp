@@ -2,19 +2,29 @@
 // Buffered standard output, and standard error beside a line of progress.
 #include "console/StandardStreams.h"
 
+#include <algorithm>
 #include <cerrno>
 #include <cstdio>
 #include <cstring>
 
 #include "base/Text.h"
+#include "console/ConsoleViews.h"
 
 namespace quillmarsh {
 
 namespace {
 
+// What a pipe takes whole or not at all. A larger write that waits for a reader would have been
+// begun when a signal comes, and would then go on behind it.
+constexpr std::size_t kPieceBytes = 4096;
+
 bool hasProgressLine = false;
 
 }  // namespace
+
+StandardOutput::StandardOutput() {
+  std::setvbuf(stdout, nullptr, _IONBF, 0);
+}
 
 void StandardOutput::Write(std::string_view bytes) {
   if (mHasFailed) return;
@@ -23,14 +33,20 @@ void StandardOutput::Write(std::string_view bytes) {
 }
 
 void StandardOutput::Flush() {
-  if (mBuffer.empty() || mHasFailed) return;
-  errno = 0;
-  const bool isWritten = std::fwrite(mBuffer.data(), 1, mBuffer.size(), stdout) == mBuffer.size() &&
-                         std::fflush(stdout) == 0;
+  std::string_view rest = mBuffer;
+  while (!rest.empty() && !mHasFailed) {
+    errno = 0;
+    std::clearerr(stdout);
+    const std::size_t wanted = std::min(rest.size(), kPieceBytes);
+    const std::size_t written = std::fwrite(rest.data(), 1, wanted, stdout);
+    rest.remove_prefix(written);
+    if (written == wanted) continue;
+    // A write that a signal broke off goes on, unless the signal was a stop.
+    mHasFailed = errno != EINTR || ConsolePump::IsStopRequested();
+    if (errno != EINTR)
+      PrintError(std::string("writing the results failed: ") + std::strerror(errno));
+  }
   mBuffer.clear();
-  if (isWritten) return;
-  mHasFailed = true;
-  PrintError(std::string("writing the results failed: ") + std::strerror(errno));
 }
 
 bool StandardOutput::Finish() {

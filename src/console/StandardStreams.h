@@ -10,6 +10,8 @@ namespace quillmarsh {
 
 class StandardOutput {
  public:
+  // Standard output is not buffered a second time behind this.
+  StandardOutput();
   void Write(std::string_view bytes);
   // Hands everything over. False when any write failed; the first failure has been told.
   [[nodiscard]] bool Finish();

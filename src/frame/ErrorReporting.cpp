@@ -74,6 +74,13 @@ void AppendToDetailFile(const Text& entry) {
   if (!written) RaiseFileError(code);
 }
 
+// The folder of the detail file may have to be made, which may fail and be reported in its turn.
+bool isReporting = false;
+struct ReportingScope {
+  ReportingScope() { isReporting = true; }
+  ~ReportingScope() { isReporting = false; }
+};
+
 void Report(const PendingError& error, TextView source, TextView detail) {
   const Text lineBreak(kLineBreak);
   Text message = MessageOf(error, source);
@@ -121,6 +128,8 @@ void TakePendingErrorFromException() {
 }
 
 void ReportError(TextView source, TextView detail) {
+  if (isReporting) return;
+  const ReportingScope scope;
   const PendingError error = gPendingError;
   try {
     Report(error, source, detail);

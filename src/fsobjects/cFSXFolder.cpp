@@ -2,6 +2,8 @@
 // A folder's own facts, and the reading of its directory.
 #include "fsobjects/cFSXFolder.h"
 
+#include <optional>
+
 #include "frame/ErrorReporting.h"
 #include "frame/Pump.h"
 #include "fsobjects/Handles.h"
@@ -38,6 +40,15 @@ Currency LocalRawTime(const FILETIME& utc) {
   FILETIME local;
   static_cast<void>(TheMachine().Locale().FileTimeToLocalFileTime(utc, local));
   return Currency::FromRaw(local.Ticks());
+}
+
+// None beyond some 922 million million bytes.
+std::optional<Currency> SizeOfEntry(const WIN32_FIND_DATAW& entry) {
+  try {
+    return HiLoToCurr(entry.nFileSizeHigh, entry.nFileSizeLow);
+  } catch (const RuntimeError&) {
+    return std::nullopt;
+  }
 }
 
 }  // namespace
@@ -235,10 +246,14 @@ void cFSXFolder::ReadEntries(bool recursive) {
   while (!gUserAbort) {
     const TextView name = NameOfEntry(entry);
     if (!IsDirectoryEntry(entry)) {
-      const Currency bytes = HiLoToCurr(entry.nFileSizeHigh, entry.nFileSizeLow);
-      files->Add(name, bytes, LocalRawTime(entry.ftCreationTime),
-                 LocalRawTime(entry.ftLastWriteTime), entry.dwFileAttributes);
-      size += bytes;
+      // A file whose size cannot be told is left out and makes the listing one that is not whole.
+      if (const std::optional<Currency> bytes = SizeOfEntry(entry)) {
+        files->Add(name, *bytes, LocalRawTime(entry.ftCreationTime),
+                   LocalRawTime(entry.ftLastWriteTime), entry.dwFileAttributes);
+        size = Currency::SaturatingSum(size, *bytes);
+      } else {
+        mListingError = ERROR_ARITHMETIC_OVERFLOW;
+      }
     } else if (!IsDots(name)) {
       subFolders->Add(name, static_cast<std::int32_t>(entry.dwFileAttributes), recursive);
     }

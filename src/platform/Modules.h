@@ -32,6 +32,10 @@ class Modules : public Role {
   }
   // Whether a person sits at the other end of a standard stream.
   [[nodiscard]] bool IsConsole(StandardStream stream) { return DoIsConsole(stream); }
+  // Has the handler called when a person, or the system, asks the program to end, also while the
+  // program waits in a write to a pipe, which then ends early. It may run at any moment and may do
+  // little. nullptr gives the system's own way back. False where this cannot be had.
+  bool SetConsoleCtrlHandler(void (*handler)()) { return DoSetConsoleCtrlHandler(handler); }
   [[nodiscard]] bool IsWow64Process() {
     return Run(Operation::IsWow64Process, {}, false, [&] { return DoIsWow64(); });
   }
@@ -50,6 +54,7 @@ class Modules : public Role {
   virtual Text DoGetCurrentFolder() = 0;
   virtual SystemVersion DoGetVersion() = 0;
   virtual bool DoIsConsole(StandardStream) { return false; }
+  virtual bool DoSetConsoleCtrlHandler(void (*)()) { return false; }
   virtual bool DoIsWow64() = 0;
   virtual bool DoDisableRedirection() = 0;
   virtual bool DoRevertRedirection() = 0;

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 // What the desktop's shell knows: its special folders, the places of the Recycle Bin and the names
-// of file types. Folders come without a final backslash, as the calls give them.
+// of file types. Folders come as the calls give them, as a rule without a final backslash.
 #pragma once
 
 #include <vector>

@@ -111,7 +111,7 @@ void cDuplicateGrouping::FormGroups(std::int32_t count) {
     const DupeFileUDT& record = mResults.Record(i);
     const RecordKey key = reader.Next(record);
     if (reader.AreEqual(previous, key)) {
-      runSize += record.Size;
+      runSize = Currency::SaturatingSum(runSize, record.Size);
     } else {
       endRun(i);
       runStart = i;

@@ -19,7 +19,9 @@ constexpr TextView kDupesFolderName = u"DUPES\\";
 
 void MakeWhenMissing(const Text& folder) {
   std::uint32_t errorNumber = 0;
-  if (!FSXFolderExists(folder)) static_cast<void>(CreateFolderTree(folder, errorNumber));
+  // Why it is not there is of no interest; whoever writes into it will be told.
+  if (!cFSXFileSystemObject().FolderExists(folder, false))
+    static_cast<void>(CreateFolderTree(folder, errorNumber));
 }
 
 }  // namespace

@@ -4,6 +4,7 @@ import csv
 import io
 import json
 import os
+import select
 import shutil
 import signal
 import subprocess
@@ -61,7 +62,7 @@ class Formats(Case):
         done = oracle.run("search", self.tree)
         self.assertEqual(done.stdout.decode().count("\u240a"), 2)
         self.assertEqual(len([line for line in done.stdout.split(b"\n") if b"quoted" in line]), 2)
-        self.assertIn("Files searched: 2; duplicates: 2 in 1 groups", done.stdout.decode())
+        self.assertIn("Files searched: 2; duplicates: 2 in 1 group,", done.stdout.decode())
         quiet = oracle.run("search", "--quiet", self.tree)
         self.assertNotIn(b"searched", quiet.stdout)
 
@@ -105,7 +106,7 @@ class Refusals(Case):
         above, below = os.path.join(self.folder, "tree"), os.path.join(self.folder, "tree/below")
         message = self.refused(above, below)
         self.assertIn(below, message)
-        self.assertIn("subfolder of another one", message)
+        self.assertIn("--no-subfolders", message)
         self.assertEqual(oracle.run("search", "--no-subfolders", above, below).returncode, 0)
 
     def test_criteria_without_name_and_size_are_refused(self):
@@ -137,6 +138,27 @@ class Refusals(Case):
                        "--include-folder", "--exclude-folder", "--no-ignore", "--format", "--quiet",
                        "--progress"):
             self.assertIn(option, done.stdout.decode())
+
+    def test_a_filter_that_cannot_be_meant_is_refused(self):
+        self.make("tree/a/same.txt")
+        tree = os.path.join(self.folder, "tree")
+        self.assertIn("no such", self.refused("--exclude-folder", os.path.join(tree, "no such"), tree))
+        for option in ("--include-file", "--exclude-file", "--include-folder"):
+            self.assertIn("empty", self.refused(option, " ", tree))
+
+    def test_a_data_folder_that_is_none_does_not_stop_a_search(self):
+        self.make("tree/a/same.txt")
+        self.make("tree/b/same.txt")
+        home = os.path.join(self.folder, "home")
+        os.makedirs(os.path.join(home, "Harrow Fen"))
+        place = os.path.join(home, "Harrow Fen", "Quillmarsh")
+        for make in (lambda: os.symlink("nowhere", place), lambda: os.symlink("Quillmarsh", place),
+                     lambda: open(place, "w", encoding="ascii").close()):
+            make()
+            done = oracle.run("search", os.path.join(self.folder, "tree"), env={"XDG_DATA_HOME": home})
+            self.assertEqual((done.returncode, done.stderr), (0, b""))
+            self.assertIn(b"same.txt", done.stdout)
+            os.unlink(place)
 
     def test_without_a_home_a_search_goes_on(self):
         self.make("tree/a/same.txt")
@@ -200,6 +222,21 @@ class Stop(Case):
         limit = 0.2 * float(os.environ.get("QUILLMARSH_SLOWNESS", "1"))
         late = [delay for delay in delays if delay > limit]
         self.assertLessEqual(len(late), 1, f"stops took {delays}")
+
+    def test_a_stop_while_nobody_reads_the_list_is_quick(self):
+        for number in range(4000):
+            self.make(f"tree/a rather long name of a file that fills a pipe soon {number}", b"x")
+        process = subprocess.Popen([oracle.PROGRAM, "search", "--match", "size", self.folder],
+                                   stdout=subprocess.PIPE, stderr=subprocess.PIPE)
+        select.select([process.stdout], [], [], 30)  # the list has begun; a pipe takes a part of it
+        with self.assertRaises(subprocess.TimeoutExpired):
+            process.wait(timeout=0.3)
+        begin = time.monotonic()
+        process.send_signal(signal.SIGINT)
+        process.wait(timeout=30)
+        self.assert_quick([time.monotonic() - begin] * 2)
+        self.assertEqual(process.returncode, 130)
+        process.communicate()
 
     def test_a_stop_within_many_folders_is_quick(self):
         for folder in range(300):

@@ -243,12 +243,16 @@ TEST_F(Folder, ReadsLongPathsWithRedirectionOff) {
   EXPECT_FALSE(At(deep)->IsEmpty());
 }
 
-TEST_F(Folder, FileThatIsTooLargeToCountIsAnErrorAndLeavesNothingOpen) {
+TEST_F(Folder, FileThatIsTooLargeToCountIsLeftOutAndTold) {
   machine.AddFile(u"C:\\d\\huge", FileContents::Recipe(1, 1'000'000'000'000'000));
+  machine.AddFile(u"C:\\d\\small", "12345");
+  machine.AddFolder(u"C:\\d\\sub");
   const auto folder = At(u"C:\\d\\");
-  EXPECT_THROW(folder->Enumerate(false), RuntimeError);
-  EXPECT_EQ(folder->NumFiles(false), 0);
-  EXPECT_EQ(TakeReportedSource(), "cFSXFolder.NumFiles");
+  EXPECT_TRUE(folder->Enumerate(false));
+  EXPECT_EQ(folder->NumFiles(false), 1);
+  EXPECT_EQ(folder->NumSubFolders(false), 1);
+  EXPECT_EQ(folder->Size(false), 5);
+  EXPECT_EQ(folder->ListingError(), ERROR_ARITHMETIC_OVERFLOW);
 }
 
 TEST_F(Folder, SubFolderThatIsNoneAnswersZeroValues) {

@@ -72,6 +72,14 @@ TEST_F(Grouping, SizesBeyondThirtyTwoBitsAreSummedExactly) {
   EXPECT_EQ(Panel(DUPLICATES), "Duplicates:3 (3.00 TB)");
 }
 
+TEST_F(Grouping, ATotalThatIsTooLargeToCountStaysAtTheLargest) {
+  Add(u"x", 900'000'000'000'000);
+  Add(u"y", 900'000'000'000'000);
+  Group(false, true, false, false);
+  EXPECT_EQ(Members(), "1,2");
+  EXPECT_EQ(results.mDupeTotalSize, Currency::FromRaw(INT64_MAX));
+}
+
 TEST_F(Grouping, DatesCountToTheSecondCutAndNotRounded) {
   const double second = 1.0 / 86400.0;
   const double day = 45000.0 + 7 * second;

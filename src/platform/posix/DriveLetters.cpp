@@ -179,8 +179,10 @@ std::shared_ptr<const DriveTable> DriveLetters::Current() const {
 void DriveLetters::Refresh() {
   int error = 0;
   auto text = ReadWholeFile(mSources.mountInfoFile, error);
-  // Without the list there is still the root.
-  if (!text || text->empty()) text = "1 0 0:0 / / rw - rootfs / rw\n";
+  // Without the list, or below a changed root that is no mount, there is still the root.
+  if (!text) text.emplace();
+  if (MountTable(*text).VisibleAt("/") == nullptr)
+    text->insert(0, "1 0 0:0 / / rw - rootfs / rw\n");
   if (*text == mMountInfo) return;
   mMountInfo = std::move(*text);
 

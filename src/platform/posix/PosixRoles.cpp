@@ -6,6 +6,9 @@
 #include <time.h>
 #include <unistd.h>
 
+#include <atomic>
+#include <csignal>
+
 #include <cerrno>
 #include <cstdlib>
 #include <limits>
@@ -123,6 +126,24 @@ Text PosixModules::DoGetCurrentFolder() {
 // What a present Windows says, so that nothing falls back to the ways of very old ones.
 SystemVersion PosixModules::DoGetVersion() {
   return {10, VER_PLATFORM_WIN32_NT};
+}
+
+bool PosixModules::DoSetConsoleCtrlHandler(void (*handler)()) {
+  static std::atomic<void (*)()> current = nullptr;
+  current = handler;
+  struct sigaction action {};
+  ::sigemptyset(&action.sa_mask);
+  // Calls that wait are not begun again behind the signal: sa_flags stays empty.
+  action.sa_handler = SIG_DFL;
+  if (handler != nullptr) {
+    action.sa_handler = [](int) {
+      if (void (*const wanted)() = current.load()) wanted();
+    };
+  }
+  for (const int signal : {SIGINT, SIGTERM, SIGHUP}) {
+    if (::sigaction(signal, &action, nullptr) != 0) return false;
+  }
+  return true;
 }
 
 bool PosixModules::DoIsConsole(StandardStream stream) {

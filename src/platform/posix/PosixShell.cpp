@@ -90,8 +90,12 @@ Text PosixShell::DoGetFolder(std::int32_t csidl) {
       return DriveForm(mFolders.data);
     case CSIDL_PROFILE:
       return DriveForm(mFolders.home);
-    case CSIDL_WINDOWS:
-      return DriveForm("/usr");
+    case CSIDL_WINDOWS: {
+      // With its final backslash: paths are held against it as text, and /usr2 is another folder.
+      Text folder = DriveForm("/usr");
+      if (!folder.empty() && folder.back() != u'\\') folder += u'\\';
+      return folder;
+    }
     case CSIDL_SYSTEM:
       return DriveForm("/usr/lib");
     default:

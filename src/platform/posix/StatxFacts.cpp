@@ -11,6 +11,7 @@ namespace {
 
 constexpr std::int64_t SecondsFrom1601To1970 = 11'644'473'600;
 constexpr std::int64_t TicksPerSecond = 10'000'000;
+constexpr std::int64_t FirstSecond = -59'011'459'200;  // 1 January 100
 constexpr std::int64_t LastSecond =
     std::numeric_limits<std::int64_t>::max() / TicksPerSecond - SecondsFrom1601To1970 - 1;
 
@@ -25,7 +26,8 @@ FILETIME TicksOf(const struct statx_timestamp& time) {
 }  // namespace
 
 FILETIME FileTimeOf(std::int64_t seconds, std::uint32_t nanoseconds) {
-  if (seconds < -SecondsFrom1601To1970) return FILETIME::FromTicks(0);
+  // Before 1601 the ticks are negative; before the first day that a date can be they stand still.
+  if (seconds < FirstSecond) return FileTimeOf(FirstSecond, 0);
   if (seconds > LastSecond) return FILETIME::FromTicks(std::numeric_limits<std::int64_t>::max());
   return FILETIME::FromTicks((seconds + SecondsFrom1601To1970) * TicksPerSecond +
                              nanoseconds / 100);

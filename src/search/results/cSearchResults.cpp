@@ -38,7 +38,7 @@ void cSearchResults::AddGroup(std::int32_t firstRecord, std::int32_t count, Curr
   mGroupFileCount.push_back(count);
   mGroupCount += 1;
   mDupeFileCount += count;
-  mDupeTotalSize += totalSize;
+  mDupeTotalSize = Currency::SaturatingSum(mDupeTotalSize, totalSize);
 }
 
 std::vector<std::int32_t> cSearchResults::MembersOf(std::int32_t group) const {

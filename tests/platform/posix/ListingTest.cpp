@@ -30,7 +30,8 @@ TEST(FileTimes, StayInTheRangeThatTicksHave) {
       {"parts of a tick are cut", 1, 199, 116'444'736'010'000'001},
       {"half a second before 1970", -1, 500'000'000, 116'444'735'995'000'000},
       {"the first tick", -11'644'473'600, 0, 0},
-      {"before 1601", -11'644'473'601, 999'999'999, 0},
+      {"before 1601", -11'644'473'601, 999'999'999, -1},
+      {"before the first day that a date can be", -90'000'000'000, 5, -473'669'856'000'000'000},
       {"far beyond", INT64_MAX, 0, INT64_MAX},
   };
   for (const Row& row : rows)
