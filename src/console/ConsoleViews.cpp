@@ -52,16 +52,7 @@ MessageBoxResult ConsoleMessages::Show(const MessageBoxRequest& request) {
     rest.remove_prefix(std::min(end + 1, rest.size()));
   }
   PrintError(ToUtf8(request.title) + ": " + text);
-  switch (request.buttons) {
-    case MessageBoxButtons::Ok:
-      return MessageBoxResult::Ok;
-    case MessageBoxButtons::YesNo:
-      return MessageBoxResult::No;
-    case MessageBoxButtons::OkCancel:
-    case MessageBoxButtons::YesNoCancel:
-      break;
-  }
-  return MessageBoxResult::Cancel;
+  return CarefulAnswer(request.buttons);
 }
 
 ConsolePump::ConsolePump(Machine& machine) : mMachine(machine) {

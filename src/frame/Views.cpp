@@ -6,9 +6,8 @@ namespace quillmarsh {
 
 Views gViews;
 
-MessageBoxResult ShowMessageBox(const MessageBoxRequest& request) {
-  if (gViews.messages != nullptr) return gViews.messages->Show(request);
-  switch (request.buttons) {
+MessageBoxResult CarefulAnswer(MessageBoxButtons buttons) {
+  switch (buttons) {
     case MessageBoxButtons::Ok:
       return MessageBoxResult::Ok;
     case MessageBoxButtons::YesNo:
@@ -18,6 +17,11 @@ MessageBoxResult ShowMessageBox(const MessageBoxRequest& request) {
       break;
   }
   return MessageBoxResult::Cancel;
+}
+
+MessageBoxResult ShowMessageBox(const MessageBoxRequest& request) {
+  return gViews.messages != nullptr ? gViews.messages->Show(request)
+                                    : CarefulAnswer(request.buttons);
 }
 
 void SetPanel(TextView key, TextView text) {

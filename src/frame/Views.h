@@ -58,9 +58,12 @@ struct Views {
   PumpView* pump = nullptr;
 };
 
-// The views in use. Without a message view a box is answered with Cancel or No (or OK where it has
-// only that); without a status view nothing is shown; without a pump nothing runs.
+// The views in use. Without a message view a box gets the careful answer; without a status view
+// nothing is shown; without a pump nothing runs.
 extern Views gViews;
+
+// What a box is answered with where nobody can be asked: the button that changes nothing.
+[[nodiscard]] MessageBoxResult CarefulAnswer(MessageBoxButtons buttons);
 
 MessageBoxResult ShowMessageBox(const MessageBoxRequest& request);
 void SetPanel(TextView key, TextView text);

@@ -111,7 +111,7 @@ inline constexpr std::uint32_t TOKEN_QUERY = 0x8;
 inline constexpr std::uint32_t FILE_IS_ENCRYPTED = 1;
 inline constexpr std::uint32_t VER_PLATFORM_WIN32_NT = 2;
 
-// Shell folders (CSIDL) and shell queries.
+// Shell folders (CSIDL).
 inline constexpr std::int32_t CSIDL_PERSONAL = 0x05;
 inline constexpr std::int32_t CSIDL_BITBUCKET = 0x0A;
 inline constexpr std::int32_t CSIDL_DESKTOPDIRECTORY = 0x10;
@@ -119,10 +119,8 @@ inline constexpr std::int32_t CSIDL_LOCAL_APPDATA = 0x1C;
 inline constexpr std::int32_t CSIDL_WINDOWS = 0x24;
 inline constexpr std::int32_t CSIDL_SYSTEM = 0x25;
 inline constexpr std::int32_t CSIDL_PROFILE = 0x28;
-inline constexpr std::uint32_t SHGFI_USEFILEATTRIBUTES = 0x10;
-inline constexpr std::uint32_t SHGFI_TYPENAME = 0x400;
 
-// Locale and messages.
+// Locale.
 inline constexpr std::uint32_t LOCALE_USER_DEFAULT = 0x400;
 inline constexpr std::uint32_t LOCALE_SDECIMAL = 14;
 inline constexpr std::uint32_t LOCALE_STHOUSAND = 15;
@@ -136,7 +134,6 @@ inline constexpr std::uint32_t LOCALE_SABBREVDAYNAME1 = 49;    // to 55, Monday 
 inline constexpr std::uint32_t LOCALE_SMONTHNAME1 = 56;        // to 67
 inline constexpr std::uint32_t LOCALE_SABBREVMONTHNAME1 = 68;  // to 79
 inline constexpr std::uint32_t LOCALE_STIMEFORMAT = 4099;
-inline constexpr std::uint32_t FORMAT_MESSAGE_FROM_SYSTEM = 4096;
 
 // GetBinaryTypeW.
 inline constexpr std::uint32_t SCS_32BIT_BINARY = 0;
