@@ -219,7 +219,8 @@ ExitCode RunSearch(const SearchArguments& arguments, ProgramObjects& objects) {
   const bool isWhole = WriteResults(results, session.FilesSearched(),
                                     {arguments.format, !arguments.isQuiet}, output);
   const bool isWritten = output.Finish();
-  if (!isWhole || ConsolePump::IsStopRequested()) {
+  // A stop behind the last byte changes nothing: the list is whole, and said to be.
+  if (!isWhole || (!isWritten && ConsolePump::IsStopRequested())) {
     PrintError("stopped; the list is not whole");
     return ExitCode::Stopped;
   }

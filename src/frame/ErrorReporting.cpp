@@ -59,10 +59,21 @@ Text PresentMoment() {
   throw RuntimeError(number);
 }
 
+// The folder may have to be made, which may fail and be reported in its turn; that report would ask
+// for the folder again, without end. What fails there shows when the file is opened.
+bool isAskingForFolder = false;
+Text AskForDetailFolder() {
+  struct Scope {
+    Scope() { isAskingForFolder = true; }
+    ~Scope() { isAskingForFolder = false; }
+  } const scope;
+  return detailFolder();
+}
+
 void AppendToDetailFile(const Text& entry) {
   if (!detailFolder) throw RuntimeError(runtime_error::BadFileName);
   FileInputOutput& files = TheMachine().Files();
-  const Text path = detailFolder() + Text(kDetailFileName);
+  const Text path = AskForDetailFolder() + Text(kDetailFileName);
   const HANDLE file = files.CreateFileW(path, FILE_APPEND_DATA, FILE_SHARE_READ, OPEN_ALWAYS,
                                         FILE_ATTRIBUTE_NORMAL);
   if (file == INVALID_HANDLE) RaiseFileError(TheMachine().GetLastError());
@@ -73,13 +84,6 @@ void AppendToDetailFile(const Text& entry) {
   files.CloseHandle(file);
   if (!written) RaiseFileError(code);
 }
-
-// The folder of the detail file may have to be made, which may fail and be reported in its turn.
-bool isReporting = false;
-struct ReportingScope {
-  ReportingScope() { isReporting = true; }
-  ~ReportingScope() { isReporting = false; }
-};
 
 void Report(const PendingError& error, TextView source, TextView detail) {
   const Text lineBreak(kLineBreak);
@@ -128,8 +132,7 @@ void TakePendingErrorFromException() {
 }
 
 void ReportError(TextView source, TextView detail) {
-  if (isReporting) return;
-  const ReportingScope scope;
+  if (isAskingForFolder) return;
   const PendingError error = gPendingError;
   try {
     Report(error, source, detail);

@@ -90,6 +90,18 @@ TEST_F(ErrorReports, AFailureOfTheReporterIsToldInItsOwnBox) {
             u"An error has occured in the error handler.\r\n70\r\nPermission denied");
 }
 
+TEST_F(ErrorReports, AFailureToFindTheDetailFolderDoesNotReportItselfWithoutEnd) {
+  SetErrorDetailFolder([] {
+    Guarded(
+        u"c.d", [] { throw RuntimeError(9); }, [] { return Text(u"detail"); });
+    return Text(u"C:\\nowhere\\");
+  });
+  Guarded(
+      u"a.b", [] { throw RuntimeError(6); }, [] { return Text(u"detail"); });
+  ASSERT_EQ(messages.shown.size(), 1U);
+  EXPECT_EQ(messages.shown[0].title, u"Error in Error Handler");
+}
+
 TEST(TextTable, WordsOfBooleansGoThereAndBackInAnyCase) {
   EXPECT_EQ(BoolToText(true), u"True");
   EXPECT_EQ(BoolToText(false), u"False");
