@@ -46,9 +46,14 @@ constexpr std::array Names = {
     "SHGetSpecialFolderPath",
     "GetTempPathW",
     "SHGetFileInfoW",
+    "ShellExecuteW",
     "GetFileVersionInfoSizeW",
     "GetFileVersionInfoW",
     "GetModuleFileNameW",
+    "LoadLibraryW",
+    "GetModuleHandleW",
+    "GetProcAddress",
+    "FreeLibrary",
     "GetCurrentDirectoryW",
     "IsWow64Process",
     "Wow64DisableWow64FsRedirection",
@@ -60,8 +65,14 @@ constexpr std::array Names = {
     "LocalFileTimeToFileTime",
     "FormatMessageW",
     "GetQueueStatus",
+    "RegisterClipboardFormatA",
+    "OpenClipboard",
+    "IsClipboardFormatAvailable",
+    "GetClipboardData",
+    "SetClipboardData",
+    "CloseClipboard",
 };
-static_assert(Names.size() == static_cast<std::size_t>(Operation::GetQueueStatus) + 1);
+static_assert(Names.size() == static_cast<std::size_t>(Operation::CloseClipboard) + 1);
 
 }  // namespace
 

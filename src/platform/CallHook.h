@@ -51,9 +51,14 @@ enum class Operation : std::uint16_t {
   SHGetSpecialFolderPath,
   GetTempPathW,
   SHGetFileInfoW,
+  ShellExecuteW,
   GetFileVersionInfoSizeW,
   GetFileVersionInfoW,
   GetModuleFileNameW,
+  LoadLibraryW,
+  GetModuleHandleW,
+  GetProcAddress,
+  FreeLibrary,
   GetCurrentDirectoryW,
   IsWow64Process,
   Wow64DisableWow64FsRedirection,
@@ -65,6 +70,12 @@ enum class Operation : std::uint16_t {
   LocalFileTimeToFileTime,
   FormatMessageW,
   GetQueueStatus,
+  RegisterClipboardFormatA,
+  OpenClipboard,
+  IsClipboardFormatAvailable,
+  GetClipboardData,
+  SetClipboardData,
+  CloseClipboard,
 };
 
 [[nodiscard]] const char* NameOf(Operation operation);
