@@ -73,9 +73,10 @@ void AddRepeatable(CLI::App& app, const std::string& name, std::vector<std::stri
 
 void AddSearchOptions(CLI::App& app, SearchArguments& search) {
   app.add_option("FOLDER", search.folders, "Folders to search")->required()->type_name("");
-  AddWordList(app, "--match", search.match, {"name", "size", "created", "modified"},
-              "When files are duplicates: name,size,created,modified (default name,size);\n"
-              "name or size must be among them");
+  AddWordList(
+      app, "--match", search.match, {"name", "size", "created", "modified", "contents"},
+      "When files are duplicates: name,size,created,modified,contents (default\nname,size);\n"
+      "name or size must be among them");
   app.add_flag("--no-subfolders", search.withoutSubFolders, "Search the named folders only");
   AddRepeatable(app, "--include-file", search.includeFiles, "MASK",
                 "Only files whose name matches, such as '*.jpg' or '*.jpg;*.png' (repeatable)");

@@ -15,7 +15,7 @@ enum class OutputFormat { Text, Json, Csv, Null };
 
 struct SearchArguments {
   std::vector<std::string> folders;
-  std::vector<std::string> match;     // name, size, created, modified
+  std::vector<std::string> match;     // name, size, created, modified, contents
   std::vector<std::string> noIgnore;  // zero, system, hidden, temporary, windows
   std::vector<std::string> includeFiles;
   std::vector<std::string> excludeFiles;

@@ -18,7 +18,7 @@ TextView WithoutLineBreak(TextView text) {
 
 void ConsoleLog::Add(std::int32_t kind, TextView, TextView fileSpec, TextView,
                      std::int32_t errorNumber, TextView errorText, TextView, bool&) {
-  if (kind != log_kind::GetSubFoldersError) return;
+  if (kind != log_kind::GetSubFoldersError && kind != log_kind::CRC32Error) return;
   mErrorCount += 1;
   const TextView reason = WithoutLineBreak(errorText);
   PrintError("could not read all of \"" + ToUtf8(fileSpec) +

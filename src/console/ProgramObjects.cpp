@@ -4,6 +4,7 @@
 
 #include "frame/ErrorReporting.h"
 #include "frame/ProgramFlags.h"
+#include "fsobjects/ChecksumLibrary.h"
 #include "fsobjects/cFSXFolderPathsList.h"
 #include "fsobjects/cFileSpecParser.h"
 #include "settings/OptionsFolder.h"
@@ -11,22 +12,34 @@
 
 namespace quillmarsh {
 
+namespace {
+
+Text FolderOfProgram(Machine& machine) {
+  const Text program = machine.Process().GetModuleFileNameW();
+  return program.substr(0, program.rfind(u'\\') + 1);
+}
+
+}  // namespace
+
 ProgramObjects::ProgramObjects(Machine& machine) : mPump(machine) {
   UseMachine(&machine);
   machine.SetPatience(&mPatience);
   gViews = {&mMessages, nullptr, &mPump};
+  gAppPath = FolderOfProgram(machine);
   gFolderPathsList = std::make_unique<cFSXFolderPathsList>();
   gDupeSettings = std::make_unique<clsDupeSettings>();
   auto log = std::make_unique<ConsoleLog>();
   mLog = log.get();
   gLog = std::move(log);
   gFileSpecParser = std::make_unique<cFileSpecParser>();
-  gIsWow64 = machine.Process().IsWow64Process();
   SetErrorDetailFolder(GetIniFileFolder);
+  mIsUsable = Guarded(u"modQuillmarsh.Main", LoadChecksumLibrary);
+  gIsWow64 = machine.Process().IsWow64Process();
 }
 
 ProgramObjects::~ProgramObjects() {
   EndProgress();
+  FreeChecksumLibrary();
   SetErrorDetailFolder({});
   gFileSpecParser.reset();
   gLog.reset();

@@ -18,6 +18,8 @@ class ProgramObjects {
   ProgramObjects(const ProgramObjects&) = delete;
   ProgramObjects& operator=(const ProgramObjects&) = delete;
 
+  // False when the program cannot work, which has been told: a part of it is missing.
+  [[nodiscard]] bool IsUsable() const { return mIsUsable; }
   // What could not be read, and what else went wrong and was told, so far.
   [[nodiscard]] std::int64_t ErrorCount() const { return mLog->ErrorCount() + mMessages.Count(); }
   // Shows progress from now on, until EndProgress.
@@ -25,6 +27,7 @@ class ProgramObjects {
   void EndProgress();
 
  private:
+  bool mIsUsable = false;
   ConsoleMessages mMessages;
   ConsolePump mPump;
   PumpingPatience mPatience;

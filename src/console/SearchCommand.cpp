@@ -139,6 +139,7 @@ bool SetOptions(const SearchArguments& arguments, clsDupeSettings& settings) {
     settings.SetSizesMatch(Has(arguments.match, "size"));
     settings.SetCreateTimeStampsMatch(Has(arguments.match, "created"));
     settings.SetLastModTimeStampsMatch(Has(arguments.match, "modified"));
+    settings.SetContentsMatch(Has(arguments.match, "contents"));
   }
   const std::vector<std::string>& kept = arguments.noIgnore;
   settings.SetIgnoreZeroByteFiles(!Has(kept, "zero"));

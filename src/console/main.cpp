@@ -15,6 +15,7 @@ int main(int argc, char** argv) {
     if (!commandLine.search) return static_cast<int>(commandLine.exitCode);
     const std::unique_ptr<Machine> machine = MakeMachine();
     ProgramObjects objects(*machine);
+    if (!objects.IsUsable()) return static_cast<int>(ExitCode::Refused);
     return static_cast<int>(RunSearch(*commandLine.search, objects));
   } catch (const std::exception& error) {
     PrintError(error.what());

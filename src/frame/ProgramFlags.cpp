@@ -8,5 +8,6 @@ bool gUserAbort = false;
 bool gStopCRC = false;
 bool gFSOCancelled = false;
 bool gIsWow64 = false;
+Text gAppPath;
 
 }  // namespace quillmarsh

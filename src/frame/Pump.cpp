@@ -3,7 +3,7 @@
 #include "frame/Pump.h"
 
 #include <algorithm>
-#include <chrono>
+#include <vector>
 
 #include "frame/ProgramFlags.h"
 #include "frame/Views.h"
@@ -19,6 +19,12 @@ constexpr int kShareOfTime = 4;  // a pump that lasts long may take at most a fi
 constexpr std::uint32_t kWorthAPump = QS_KEY | QS_MOUSEBUTTON | QS_PAINT | QS_HOTKEY;  // 165
 
 Clock::time_point nextDue{};
+std::function<Clock::time_point()> otherClock;
+
+Clock::time_point Now() {
+  return otherClock ? otherClock() : Clock::now();
+}
+
 bool isPumping = false;
 
 // Marks the pump as running, also when an event's handler raises.
@@ -32,24 +38,66 @@ void PumpAt(Clock::time_point start) {
     const PumpingScope scope;
     gViews.pump->PumpEvents();
   }
-  const Clock::time_point end = Clock::now();
+  const Clock::time_point end = Now();
   nextDue = end + std::max(kShortestInterval, kShareOfTime * (end - start));
+}
+
+// Those that are enabled.
+std::vector<PumpTimer*>& Timers() {
+  static std::vector<PumpTimer*> timers;
+  return timers;
 }
 
 }  // namespace
 
+// An event may end its own timer or another one.
+void ServeTimers(Clock::time_point now) {
+  const PumpingScope scope;
+  const std::vector<PumpTimer*> timers = Timers();
+  for (PumpTimer* const timer : timers) {
+    if (std::ranges::find(Timers(), timer) == Timers().end() || now < timer->mNext) continue;
+    timer->mNext = now + timer->mInterval;
+    timer->mEvent();
+  }
+}
+
+PumpTimer::PumpTimer(std::chrono::milliseconds interval, std::function<void()> event)
+    : mInterval(interval), mEvent(std::move(event)) {}
+
+PumpTimer::~PumpTimer() {
+  SetEnabled(false);
+}
+
+void PumpTimer::SetEnabled(bool isEnabled) {
+  if (isEnabled == mIsEnabled) return;
+  mIsEnabled = isEnabled;
+  if (isEnabled) {
+    mNext = Now() + mInterval;
+    Timers().push_back(this);
+  } else {
+    std::erase(Timers(), this);
+  }
+}
+
+void SetPumpClock(std::function<Clock::time_point()> clock) {
+  otherClock = std::move(clock);
+  nextDue = {};
+}
+
 void DoEvents_Fast() {
-  if (isPumping || gViews.pump == nullptr) return;
-  const Clock::time_point now = Clock::now();
+  if (isPumping) return;
+  const Clock::time_point now = Now();
   if (now < nextDue) return;
   nextDue = now + kShortestInterval;
+  if (!Timers().empty()) ServeTimers(now);
+  if (gViews.pump == nullptr) return;
   if (TheMachine().Queue().GetQueueStatus(kWorthAPump) == 0) return;
   PumpAt(now);
 }
 
 void DoEvents() {
   if (isPumping || gViews.pump == nullptr) return;
-  PumpAt(Clock::now());
+  PumpAt(Now());
 }
 
 bool PumpingPatience::KeepWaiting() {

@@ -1,19 +1,48 @@
 // SPDX-License-Identifier: MIT
-// The message pump of the one thread of logic. Long loops call DoEvents_Fast at each step; it costs
-// next to nothing unless it is time, and it pumps only when something waits that is worth it.
+// The message pump of the one thread of logic, and the timers that run by it. Long loops call
+// DoEvents_Fast at each step; it costs next to nothing unless it is time, and it pumps only when
+// something waits that is worth it.
 #pragma once
+
+#include <chrono>
+#include <functional>
 
 #include "platform/Machine.h"
 
 namespace quillmarsh {
 
-// Pumps when at least 16 milliseconds have passed since the last pump ended, or four times the
-// length of that pump if that is longer, and GetQueueStatus tells of a key, a button, a paint or a
-// hot key. A call inside a pump does nothing.
+// Serves the timers that are due. Pumps when at least 16 milliseconds have passed since the last
+// pump ended, or four times the length of that pump if that is longer, and GetQueueStatus tells of
+// a key, a button, a paint or a hot key. A call inside a pump does nothing.
 void DoEvents_Fast();
 
 // Pumps now, whatever the time.
 void DoEvents();
+
+// Runs its event every so often while it is enabled, from the pump of a long loop and never beside
+// one. It begins disabled.
+class PumpTimer {
+ public:
+  PumpTimer(std::chrono::milliseconds interval, std::function<void()> event);
+  ~PumpTimer();
+  PumpTimer(const PumpTimer&) = delete;
+  PumpTimer& operator=(const PumpTimer&) = delete;
+
+  // The first event comes one interval later.
+  void SetEnabled(bool isEnabled);
+  [[nodiscard]] bool Enabled() const { return mIsEnabled; }
+
+ private:
+  friend void ServeTimers(std::chrono::steady_clock::time_point now);
+
+  const std::chrono::milliseconds mInterval;
+  const std::function<void()> mEvent;
+  bool mIsEnabled = false;
+  std::chrono::steady_clock::time_point mNext;
+};
+
+// The clock that the pump and its timers go by; an empty function gives the steady clock back.
+void SetPumpClock(std::function<std::chrono::steady_clock::time_point()> clock);
 
 // Keeps the program alive while a file system does not answer, and gives the operation up when the
 // user asks to stop.

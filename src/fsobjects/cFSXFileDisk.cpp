@@ -5,7 +5,7 @@
 
 #include "base/CaseMapping.h"
 #include "base/TextEquality.h"
-#include "fsobjects/ContentChecksum.h"
+#include "fsobjects/FileChecksum.h"
 #include "fsobjects/Handles.h"
 #include "fsobjects/WholeFileReading.h"
 #include "fsobjects/cFSXFile.h"
@@ -16,8 +16,6 @@
 #include "fsobjects/modUnicode.h"
 
 namespace quillmarsh {
-
-ContentChecksum* gContentChecksum = nullptr;
 
 namespace {
 
@@ -243,11 +241,14 @@ const Text& cFSXFile::MD5() {
 std::int32_t cFSXFile::CRC32() {
   if (!GetStateBit(FileFact::CRC32Known)) {
     mCRC32 = 0;
-    if (gContentChecksum != nullptr && Exists() && HasReadPermission()) {
-      const ChecksumAnswer answer = gContentChecksum->GetFileCRC32(Path());
+    if (Exists() && HasReadPermission()) {
+      bool errorFlag = false;
+      std::int32_t errorNumber = 0;
+      Text errorText;
+      const std::int32_t value = GetFileCRC32(Path(), errorFlag, errorNumber, errorText);
       // -1 is also a checksum like any other.
-      const bool failed = answer.value == -1 && answer.errorNumber != 0;
-      mCRC32 = failed ? 0 : answer.value;
+      const bool failed = value == kChecksumFailed && errorNumber != 0;
+      mCRC32 = failed ? 0 : value;
     }
     SetStateBit(FileFact::CRC32Known, true);
   }

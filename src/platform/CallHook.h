@@ -121,6 +121,25 @@ class Role {
     return result;
   }
 
+  // The same for an operation that answers its code (0 for success) and leaves the last error
+  // alone.
+  template <typename Body>
+  std::uint32_t RunForCode(Operation operation, TextView subject, Body&& body) {
+    if (mState->hook == nullptr) [[likely]]
+      return body();
+    const std::uint32_t kept = mState->lastError;
+    std::uint32_t code = 0;
+    if (const auto failure = mState->hook->Before(operation, subject)) {
+      code = *failure;
+    } else {
+      code = body();
+      mState->hook->After(operation, subject, code == 0);
+    }
+    mState->lastError = kept;
+    return code;
+  }
+  [[nodiscard]] bool HasHook() const { return mState->hook != nullptr; }
+
   void SetLastError(std::uint32_t code) { mState->lastError = code; }
   // For `return Fail(code, false);`.
   template <typename Result>

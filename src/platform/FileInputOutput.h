@@ -34,6 +34,19 @@ class FileInputOutput : public Role {
   [[nodiscard]] bool ReadFile(HANDLE file, std::span<std::byte> buffer, std::uint32_t& done) {
     return Run(Operation::ReadFile, {}, false, [&] { return DoRead(file, buffer, done); });
   }
+  // The form with a position of its own (in bytes, not negative): neither the file's position nor
+  // the last error changes. Answers the code, 0 for success; `done` below the size of the buffer is
+  // the end of the file.
+  [[nodiscard]] std::uint32_t ReadFileAt(HANDLE file, std::int64_t position,
+                                         std::span<std::byte> buffer, std::uint32_t& done) {
+    return RunForCode(Operation::ReadFile, {},
+                      [&] { return DoReadAt(file, position, buffer, done); });
+  }
+  // Whether ReadFileAt may be called for this file by two threads at once. Never with a hook, which
+  // belongs to one thread.
+  [[nodiscard]] bool MayReadOnTwoThreads(HANDLE file) {
+    return !HasHook() && DoMayReadOnTwoThreads(file);
+  }
   [[nodiscard]] bool WriteFile(HANDLE file, std::span<const std::byte> bytes, std::uint32_t& done) {
     return Run(Operation::WriteFile, {}, false, [&] { return DoWrite(file, bytes, done); });
   }
@@ -80,6 +93,9 @@ class FileInputOutput : public Role {
                               std::uint32_t disposition, std::uint32_t flags) = 0;
   virtual bool DoGetInformation(HANDLE file, BY_HANDLE_FILE_INFORMATION& information) = 0;
   virtual bool DoRead(HANDLE file, std::span<std::byte> buffer, std::uint32_t& done) = 0;
+  virtual std::uint32_t DoReadAt(HANDLE file, std::int64_t position, std::span<std::byte> buffer,
+                                 std::uint32_t& done) = 0;
+  virtual bool DoMayReadOnTwoThreads(HANDLE /*file*/) { return false; }
   virtual bool DoWrite(HANDLE file, std::span<const std::byte> bytes, std::uint32_t& done) = 0;
   virtual bool DoSetPointer(HANDLE file, std::int64_t distance, std::int64_t& newPosition,
                             std::uint32_t method) = 0;

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
-// The running process: where its program lies, its current folder, the version of the system, and
-// the file-system redirection of a 32-bit process on a 64-bit system.
+// The running process: where its program lies, the modules that it has loaded, its current folder,
+// the version of the system, and the file-system redirection of a 32-bit process on a 64-bit
+// system.
 #pragma once
 
 #include "platform/CallHook.h"
@@ -23,6 +24,26 @@ class Modules : public Role {
   // The whole path of the running program; empty on failure.
   [[nodiscard]] Text GetModuleFileNameW() {
     return Run(Operation::GetModuleFileNameW, {}, Text(), [&] { return DoGetProgram(); });
+  }
+  // The file name of a module as this machine writes it: "pbcrc32.dll", "pbcrc32.so".
+  [[nodiscard]] Text ModuleFileName(TextView base) const { return DoModuleFileName(base); }
+  // NULL_HANDLE on failure. A path names that very file; a name alone lies beside the program.
+  [[nodiscard]] HANDLE LoadLibraryW(TextView path) {
+    return Run(Operation::LoadLibraryW, path, NULL_HANDLE, [&] { return DoLoadLibrary(path); });
+  }
+  // A module that is loaded, by its file name; NULL_HANDLE for none. Does not count as a load.
+  [[nodiscard]] HANDLE GetModuleHandleW(TextView name) {
+    return Run(Operation::GetModuleHandleW, name, NULL_HANDLE,
+               [&] { return DoGetModuleHandle(name); });
+  }
+  // A function that the module exports; null for none.
+  [[nodiscard]] void* GetProcAddress(HANDLE module, const char* name) {
+    return Run(Operation::GetProcAddress, {}, static_cast<void*>(nullptr),
+               [&] { return DoGetProcAddress(module, name); });
+  }
+  // Takes one load back; the module goes with the last.
+  bool FreeLibrary(HANDLE module) {
+    return Run(Operation::FreeLibrary, {}, false, [&] { return DoFreeLibrary(module); });
   }
   [[nodiscard]] Text GetCurrentDirectoryW() {
     return Run(Operation::GetCurrentDirectoryW, {}, Text(), [&] { return DoGetCurrentFolder(); });
@@ -51,6 +72,11 @@ class Modules : public Role {
 
  private:
   virtual Text DoGetProgram() = 0;
+  virtual Text DoModuleFileName(TextView base) const = 0;
+  virtual HANDLE DoLoadLibrary(TextView path) = 0;
+  virtual HANDLE DoGetModuleHandle(TextView name) = 0;
+  virtual void* DoGetProcAddress(HANDLE module, const char* name) = 0;
+  virtual bool DoFreeLibrary(HANDLE module) = 0;
   virtual Text DoGetCurrentFolder() = 0;
   virtual SystemVersion DoGetVersion() = 0;
   virtual bool DoIsConsole(StandardStream) { return false; }

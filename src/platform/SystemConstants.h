@@ -34,6 +34,7 @@ inline constexpr std::uint32_t ERROR_DISK_FULL = 112;
 inline constexpr std::uint32_t ERROR_INSUFFICIENT_BUFFER = 122;
 inline constexpr std::uint32_t ERROR_INVALID_NAME = 123;
 inline constexpr std::uint32_t ERROR_MOD_NOT_FOUND = 126;
+inline constexpr std::uint32_t ERROR_PROC_NOT_FOUND = 127;
 inline constexpr std::uint32_t ERROR_DIR_NOT_EMPTY = 145;
 inline constexpr std::uint32_t ERROR_BAD_PATHNAME = 161;
 inline constexpr std::uint32_t ERROR_ALREADY_EXISTS = 183;

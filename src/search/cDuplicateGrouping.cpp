@@ -13,6 +13,7 @@
 #include "platform/Machine.h"
 #include "removal/history/cLog.h"
 #include "search/Cancellation.h"
+#include "search/cContentComparison.h"
 #include "search/results/RecordSort.h"
 
 namespace quillmarsh {
@@ -79,20 +80,26 @@ cDuplicateGrouping::Outcome cDuplicateGrouping::SortAndGroup() {
   mResults.mFileMarked.assign(static_cast<std::size_t>(count), false);
   SetPanel(PANEL1, LoadResString(291) + u": " + DecimalText(mResults.mFileCount));
   DoEvents_Fast();
-  if (!SortRecordsWhilePumping(mResults.mDupeFiles, mResults.mNames, mResults.mSecondPasses,
-                               mResults.mCriteria)) {
-    return Outcome::Cancelled;
+  // Only files that agree in everything else are read, once for a search.
+  if (mResults.mCriteria.contentsMatch && !mResults.mAreContentsKnown) {
+    if (!SortBy(mResults.mCriteria.WithoutContents())) return Outcome::Cancelled;
+    if (!cContentComparison(mResults).ComputeChecksums()) return Outcome::Cancelled;
   }
+  if (!SortBy(mResults.mCriteria)) return Outcome::Cancelled;
   SetPanel(PANEL1, LoadResString(304) + u"...");
   DoEvents_Fast();
   FormGroups(count);
   return gUserAbort ? Outcome::Cancelled : Outcome::Grouped;
 }
 
+bool cDuplicateGrouping::SortBy(const SearchCriteria& criteria) {
+  return SortRecordsWhilePumping(mResults.mDupeFiles, mResults.Facts(), criteria);
+}
+
 // One walk over neighbours. A group is added when its run ends, with what the run summed up.
 void cDuplicateGrouping::FormGroups(std::int32_t count) {
   const cResultsList::UpdateLock lock(mResults.ulvwDupeGroups);
-  RecordKeyReader reader(mResults.mNames, mResults.mSecondPasses, mResults.mCriteria);
+  RecordKeyReader reader(mResults.Facts(), mResults.mCriteria);
   RecordKey previous = reader.Next(mResults.Record(1));
   std::int32_t runStart = 1;
   Currency runSize = mResults.Record(1).Size;

@@ -23,6 +23,7 @@ class cDuplicateGrouping {
   enum class Outcome { Grouped, NothingToGroup, Cancelled };
 
   [[nodiscard]] Outcome SortAndGroup();
+  [[nodiscard]] bool SortBy(const SearchCriteria& criteria);
   void DropGroups();
   void FormGroups(std::int32_t count);
   void ShowOutcome(const std::vector<Text>& locations, std::int32_t filesSearched);

@@ -95,7 +95,8 @@ void cSearchSession::Search() {
   // A refused Start groups these results once more: by what they were searched for, not by what the
   // settings say then.
   mResults.mCriteria = {mSettings.NamesMatch(), mSettings.SizesMatch(),
-                        mSettings.CreateTimeStampsMatch(), mSettings.LastModTimeStampsMatch()};
+                        mSettings.CreateTimeStampsMatch(), mSettings.LastModTimeStampsMatch(),
+                        mSettings.ContentsMatch()};
   DoEvents_Fast();
   gFolderPathsList->NewList();
 

@@ -112,7 +112,7 @@ class OddPlaces(Case):
             file.write(b"x" * 10)
         os.chmod(closed, 0o700)
         # Another user may not be able to enter the folder where the program was built.
-        program = shutil.copy(oracle.PROGRAM, self.folder)
+        program = oracle.copy_program(self.folder)
         as_nobody = {"user": 65534, "program": program}
         files = oracle.list_files([self.tree], hidden=True, user=65534)
         self.compare(files, "name,size", *ALL, self.tree, exit_codes=(1,), **as_nobody)

@@ -4,8 +4,10 @@ runner for the console program. Shares nothing with the program: no code, no tab
 import base64
 import collections
 import fnmatch
+import glob
 import json
 import os
+import shutil
 import subprocess
 
 PROGRAM = os.environ.get("QUILLMARSH_CLI", "quillmarsh-cli")
@@ -82,6 +84,13 @@ def groups_of(files, match):
             key.append(file.modified)
         by_key[tuple(key)].append(file.path)
     return {frozenset(paths) for paths in by_key.values() if len(paths) > 1}
+
+
+def copy_program(folder):
+    """The program with its module, for a user who may not enter the folder where they were built."""
+    for module in glob.glob(os.path.join(os.path.dirname(PROGRAM), "pbcrc32.*")):
+        shutil.copy(module, folder)
+    return shutil.copy(PROGRAM, folder)
 
 
 def run(*arguments, user=None, env=None, timeout=600, program=PROGRAM):

@@ -3,10 +3,11 @@
 // when the disk refuses.
 #include "DelegatingMachine.h"
 #include "FsObjectsFixture.h"
-#include "fsobjects/ContentChecksum.h"
+#include "fsobjects/ChecksumLibrary.h"
 #include "fsobjects/cFSXDrive.h"
 #include "fsobjects/cFSXFile.h"
 #include "fsobjects/cFSXFolder.h"
+#include "support/ChecksumModule.h"
 
 namespace quillmarsh {
 namespace {
@@ -303,34 +304,19 @@ TEST_F(FileObject, DigestAndTextShareReadTheWholeFile) {
   EXPECT_EQ(At(u"C:\\big").MD5(), u"") << "a digest of half a file is none";
 }
 
-class ScriptedChecksum final : public ContentChecksum {
- public:
-  ChecksumAnswer answer;
-  int calls = 0;
-  ChecksumAnswer GetFileCRC32(TextView) override {
-    ++calls;
-    return answer;
-  }
-};
-
-TEST_F(FileObject, ChecksumOfMinus1IsAFailureOnlyTogetherWithAnErrorNumber) {
-  machine.AddFile(u"C:\\a.txt");
-  EXPECT_EQ(At(u"C:\\a.txt").CRC32(), 0) << "without the comparison's part of the program";
-  const struct {
-    ChecksumAnswer answer;
-    std::int32_t expected;
-  } rows[] = {{{-1, 0}, -1}, {{-1, 5}, 0}, {{123, 5}, 123}};
-  for (const auto& row : rows) {
-    ScriptedChecksum checksum;
-    checksum.answer = row.answer;
-    gContentChecksum = &checksum;
-    cFSXFile file = At(u"C:\\a.txt");
-    EXPECT_EQ(file.CRC32(), row.expected);
-    static_cast<void>(file.CRC32());
-    EXPECT_EQ(At(u"C:\\missing").CRC32(), 0);
-    EXPECT_EQ(checksum.calls, 1);
-    gContentChecksum = nullptr;
-  }
+TEST_F(FileObject, ChecksumIsReadOnceAndIs0ForWhatCannotBeRead) {
+  machine.AddFile(u"C:\\a.txt", "123456789");
+  EXPECT_EQ(At(u"C:\\a.txt").CRC32(), 0) << "without the library";
+  PutChecksumModule(machine);
+  LoadChecksumLibrary();
+  cFSXFile file = At(u"C:\\a.txt");
+  EXPECT_EQ(static_cast<std::uint32_t>(file.CRC32()), 0xCBF43926U);
+  machine.SetContents(u"C:\\a.txt", "other");
+  EXPECT_EQ(static_cast<std::uint32_t>(file.CRC32()), 0xCBF43926U);
+  EXPECT_EQ(At(u"C:\\missing").CRC32(), 0);
+  hook.Fail({.operation = Operation::ReadFile}, ERROR_IO_DEVICE);
+  EXPECT_EQ(At(u"C:\\a.txt").CRC32(), 0);
+  FreeChecksumLibrary();
 }
 
 // Every call that names a path runs with the redirection off, and gets the long form of a long

@@ -3,10 +3,12 @@
 #include "search/ProgramFixture.h"
 
 #include "frame/ProgramFlags.h"
+#include "fsobjects/ChecksumLibrary.h"
 #include "fsobjects/LocaleFormats.h"
 #include "fsobjects/cFSXFolderPathsList.h"
 #include "fsobjects/cFileSpecParser.h"
 #include "settings/OptionsFolder.h"
+#include "support/ChecksumModule.h"
 
 namespace quillmarsh {
 
@@ -49,13 +51,16 @@ ProgramFixture::ProgramFixture() {
   log = kept.get();
   gLog = std::move(kept);
   gViews = {&messages, &status, &pump};
-  gUserAbort = false;
+  gUserAbort = gStopCRC = false;
+  PutChecksumModule(machine);
+  LoadChecksumLibrary();
   machine.SetShellFolder(CSIDL_LOCAL_APPDATA, u"C:\\Users\\me\\AppData\\Local");
   machine.SetShellFolder(CSIDL_WINDOWS, u"C:\\Windows");
   ResetLocaleFacts();
 }
 
 ProgramFixture::~ProgramFixture() {
+  FreeChecksumLibrary();
   gViews = {};
   gLog.reset();
   gFileSpecParser.reset();

@@ -15,6 +15,7 @@ namespace {
 struct Forest {
   NameArena names;
   SecondPassMarks marks;
+  UnreadableMarks unreadable;
   std::vector<DupeFileUDT> records;
 };
 
@@ -45,6 +46,8 @@ void Fill(Forest& forest, std::size_t count, unsigned seed) {
     record.LastModifiedDate = random() % 20 == 0 ? Date(1e9) : Date(-2.0 - below(3) / 4.0);
     record.ParentFolderIdx = static_cast<std::int32_t>(i);  // tells the records apart
     if (random() % 10 == 0) forest.marks[record.Name] = {random() % 2 != 0, true};
+    record.CRC32 = below(4) - 2;
+    if (random() % 8 == 0) forest.unreadable.insert(record.Name);
     forest.records.push_back(record);
   }
 }
@@ -66,20 +69,27 @@ bool ComesBefore(const Forest& forest, const SearchCriteria& criteria, const Dup
     if (x != y) return x < y;
   }
   if (criteria.lastModTimeStampsMatch) {
-    return DateKey(a.LastModifiedDate, passes(a).lastModified) <
-           DateKey(b.LastModifiedDate, passes(b).lastModified);
+    const auto x = DateKey(a.LastModifiedDate, passes(a).lastModified);
+    const auto y = DateKey(b.LastModifiedDate, passes(b).lastModified);
+    if (x != y) return x < y;
   }
-  return false;
+  if (!criteria.contentsMatch) return false;
+  // Files that nobody could read stand behind the others, each by itself.
+  const bool isAUnreadable = forest.unreadable.contains(a.Name);
+  const bool isBUnreadable = forest.unreadable.contains(b.Name);
+  if (isAUnreadable || isBUnreadable)
+    return isAUnreadable && isBUnreadable ? a.Name < b.Name : isBUnreadable;
+  return a.CRC32 < b.CRC32;
 }
 
 TEST(RecordSort, OrdersLikeAPlainStableSortUnderEveryChoiceOfCriteria) {
   const std::atomic<bool> stop = false;
-  for (unsigned choice = 0; choice < 16; ++choice) {
+  for (unsigned choice = 0; choice < 32; ++choice) {
     // The largest takes the way of two threads.
     for (const std::size_t count : {std::size_t{0}, std::size_t{1}, std::size_t{2},
                                     std::size_t{700}, std::size_t{choice == 7 ? 120000U : 3000U}}) {
       const SearchCriteria criteria{(choice & 1) != 0, (choice & 2) != 0, (choice & 4) != 0,
-                                    (choice & 8) != 0};
+                                    (choice & 8) != 0, (choice & 16) != 0};
       Forest forest;
       Fill(forest, count, choice * 7 + static_cast<unsigned>(count));
       std::vector<DupeFileUDT> expected = forest.records;
@@ -87,7 +97,8 @@ TEST(RecordSort, OrdersLikeAPlainStableSortUnderEveryChoiceOfCriteria) {
                        [&](const DupeFileUDT& a, const DupeFileUDT& b) {
                          return ComesBefore(forest, criteria, a, b);
                        });
-      ASSERT_TRUE(SortRecords(forest.records, forest.names, forest.marks, criteria, stop));
+      ASSERT_TRUE(SortRecords(forest.records, {forest.names, forest.marks, forest.unreadable},
+                              criteria, stop));
       const auto sameRecord = [](const DupeFileUDT& a, const DupeFileUDT& b) {
         return a.ParentFolderIdx == b.ParentFolderIdx && a.Name == b.Name && a.Size == b.Size;
       };
@@ -103,8 +114,8 @@ TEST(RecordSort, AStoppedSortLeavesTheRecordsAsTheyWere) {
   Fill(forest, 60000, 3);
   const std::vector<DupeFileUDT> before = forest.records;
   const std::atomic<bool> stop = true;
-  EXPECT_FALSE(
-      SortRecords(forest.records, forest.names, forest.marks, {true, true, false, false}, stop));
+  EXPECT_FALSE(SortRecords(forest.records, {forest.names, forest.marks, forest.unreadable},
+                           {true, true, false, false}, stop));
   EXPECT_TRUE(std::equal(before.begin(), before.end(), forest.records.begin(),
                          [](const DupeFileUDT& a, const DupeFileUDT& b) {
                            return a.ParentFolderIdx == b.ParentFolderIdx;

@@ -1,11 +1,13 @@
 // SPDX-License-Identifier: MIT
 // Handles as numbers that are checked at each use: a handle that was closed, or never given, finds
-// nothing. Owns what the handles stand for.
+// nothing. Owns what the handles stand for. A second thread may use a handle while the first opens
+// and closes others.
 #pragma once
 
 #include <cstddef>
 #include <cstdint>
 #include <memory>
+#include <mutex>
 #include <vector>
 
 #include "platform/SystemTypes.h"
@@ -16,6 +18,7 @@ template <typename Value>
 class HandleTable {
  public:
   [[nodiscard]] HANDLE Add(std::unique_ptr<Value> value) {
+    const std::lock_guard lock(mMutex);
     if (mFree.empty()) {
       mFree.push_back(mSlots.size());
       mSlots.emplace_back();
@@ -28,10 +31,12 @@ class HandleTable {
   }
   // Null for a handle that is not open.
   [[nodiscard]] Value* Find(HANDLE handle) const {
+    const std::lock_guard lock(mMutex);
     const Slot* slot = SlotOf(handle);
     return slot == nullptr ? nullptr : slot->value.get();
   }
   [[nodiscard]] std::unique_ptr<Value> Remove(HANDLE handle) {
+    const std::lock_guard lock(mMutex);
     Slot* slot = const_cast<Slot*>(SlotOf(handle));
     if (slot == nullptr || slot->value == nullptr) return nullptr;
     ++slot->round;
@@ -55,6 +60,7 @@ class HandleTable {
     return &mSlots[index];
   }
 
+  mutable std::mutex mMutex;
   std::vector<Slot> mSlots;
   std::vector<std::size_t> mFree;
 };

@@ -98,36 +98,54 @@ bool PosixFiles::DoGetInformation(HANDLE handle, BY_HANDLE_FILE_INFORMATION& inf
   return true;
 }
 
-bool PosixFiles::DoRead(HANDLE handle, std::span<std::byte> buffer, std::uint32_t& done) {
-  done = 0;
-  OpenFile* const file = mFiles.Find(handle);
-  if (file == nullptr) return Fail(ERROR_INVALID_HANDLE, false);
-  if (!file->reads) return Fail(ERROR_ACCESS_DENIED, false);
+std::uint32_t PosixFiles::ReadBytes(const OpenFile& file, std::int64_t position,
+                                    std::span<std::byte> buffer, std::uint32_t& done) {
+  if (!file.reads) return ERROR_ACCESS_DENIED;
   std::size_t count = 0;
-  if (file->answers) {
+  if (file.answers) {
     const std::size_t size = std::min(buffer.size(), MostBytes);
-    if (const int error = ReadFully(file->fd->Get(), buffer.data(), size, file->position, count))
-      return Fail(SystemErrorFromErrno(error), false);
+    if (const int error = ReadFully(file.fd->Get(), buffer.data(), size, position, count))
+      return SystemErrorFromErrno(error);
   } else {
     // A read that is given up goes on into memory of its own.
     std::vector<std::byte> bytes;
     const std::size_t size = std::min(buffer.size(), MostBytesForHelper);
-    const std::uint32_t error = mContext.Run(
-        false, bytes,
-        [fd = file->fd, size, position = file->position](std::vector<std::byte>& result) {
+    const std::uint32_t error =
+        mContext.Run(false, bytes, [fd = file.fd, size, position](std::vector<std::byte>& result) {
           std::size_t got = 0;
           result.resize(size);
           const int failed = ReadFully(fd->Get(), result.data(), size, position, got);
           result.resize(got);
           return SystemErrorFromErrno(failed);
         });
-    if (error != 0) return Fail(error, false);
+    if (error != 0) return error;
     count = bytes.size();
     if (count > 0) std::memcpy(buffer.data(), bytes.data(), count);
   }
-  file->position += static_cast<std::int64_t>(count);
   done = static_cast<std::uint32_t>(count);
+  return ERROR_SUCCESS;
+}
+
+bool PosixFiles::DoRead(HANDLE handle, std::span<std::byte> buffer, std::uint32_t& done) {
+  done = 0;
+  OpenFile* const file = mFiles.Find(handle);
+  if (file == nullptr) return Fail(ERROR_INVALID_HANDLE, false);
+  if (const std::uint32_t error = ReadBytes(*file, file->position, buffer, done))
+    return Fail(error, false);
+  file->position += done;
   return true;
+}
+
+std::uint32_t PosixFiles::DoReadAt(HANDLE handle, std::int64_t position,
+                                   std::span<std::byte> buffer, std::uint32_t& done) {
+  done = 0;
+  const OpenFile* const file = mFiles.Find(handle);
+  return file == nullptr ? ERROR_INVALID_HANDLE : ReadBytes(*file, position, buffer, done);
+}
+
+bool PosixFiles::DoMayReadOnTwoThreads(HANDLE handle) {
+  const OpenFile* const file = mFiles.Find(handle);
+  return file != nullptr && file->answers;
 }
 
 bool PosixFiles::DoWrite(HANDLE handle, std::span<const std::byte> bytes, std::uint32_t& done) {

@@ -34,6 +34,9 @@ class PosixFiles final : public FileInputOutput {
                       std::uint32_t disposition, std::uint32_t flags) override;
   bool DoGetInformation(HANDLE file, BY_HANDLE_FILE_INFORMATION& information) override;
   bool DoRead(HANDLE file, std::span<std::byte> buffer, std::uint32_t& done) override;
+  std::uint32_t DoReadAt(HANDLE file, std::int64_t position, std::span<std::byte> buffer,
+                         std::uint32_t& done) override;
+  bool DoMayReadOnTwoThreads(HANDLE file) override;
   bool DoWrite(HANDLE file, std::span<const std::byte> bytes, std::uint32_t& done) override;
   bool DoSetPointer(HANDLE file, std::int64_t distance, std::int64_t& newPosition,
                     std::uint32_t method) override;
@@ -47,6 +50,9 @@ class PosixFiles final : public FileInputOutput {
 
   // The entry's facts, or the last error set.
   bool Look(TextView path, EntryFacts& entry);
+  // Answers a code. Any thread may call it for a file that answers.
+  std::uint32_t ReadBytes(const OpenFile& file, std::int64_t position, std::span<std::byte> buffer,
+                          std::uint32_t& done);
   bool SizeOf(const OpenFile& file, std::int64_t& size);
 
   PosixContext& mContext;

@@ -107,13 +107,53 @@ std::optional<VS_FIXEDFILEINFO> PosixVersions::DoQueryRoot(const std::vector<std
   return FixedFileInfoOf(block);
 }
 
-Text PosixModules::DoGetProgram() {
+namespace {
+
+// The native path of the running program; empty when it cannot be told.
+std::string ProgramFile() {
   std::string link(65536, '\0');
   const ssize_t length = ::readlink("/proc/self/exe", link.data(), link.size());
-  if (length <= 0) return Fail(ERROR_PATH_NOT_FOUND, Text());
-  link.resize(static_cast<std::size_t>(length));
-  auto form = mContext.letters->Current()->DriveForm(link);
+  link.resize(length > 0 ? static_cast<std::size_t>(length) : 0);
+  return link;
+}
+
+}  // namespace
+
+Text PosixModules::DoGetProgram() {
+  const std::string program = ProgramFile();
+  if (program.empty()) return Fail(ERROR_PATH_NOT_FOUND, Text());
+  auto form = mContext.letters->Current()->DriveForm(program);
   return form ? std::move(*form) : Fail(ERROR_INVALID_DRIVE, Text());
+}
+
+HANDLE PosixModules::DoLoadLibrary(TextView path) {
+  std::string native;
+  if (path.find(u'\\') == TextView::npos) {
+    // A program may lie where no drive is, and its modules with it.
+    const std::string program = ProgramFile();
+    native = program.substr(0, program.rfind('/') + 1) + ToUtf8(path);
+  } else {
+    Located located;
+    if (const std::uint32_t error = mContext.Locate(path, located)) return Fail(error, NULL_HANDLE);
+    native = JoinNative(located.drive->mount->point, located.path.relative);
+  }
+  std::uint32_t code = ERROR_SUCCESS;
+  const HANDLE module = mModules.Load(native, code);
+  return module != NULL_HANDLE ? module : Fail(code, NULL_HANDLE);
+}
+
+HANDLE PosixModules::DoGetModuleHandle(TextView name) {
+  const HANDLE module = mModules.Find(ToUtf8(name));
+  return module != NULL_HANDLE ? module : Fail(ERROR_MOD_NOT_FOUND, NULL_HANDLE);
+}
+
+void* PosixModules::DoGetProcAddress(HANDLE module, const char* name) {
+  void* const function = mModules.Function(module, name);
+  return function != nullptr ? function : Fail(ERROR_PROC_NOT_FOUND, function);
+}
+
+bool PosixModules::DoFreeLibrary(HANDLE module) {
+  return mModules.Free(module) || Fail(ERROR_INVALID_HANDLE, false);
 }
 
 Text PosixModules::DoGetCurrentFolder() {

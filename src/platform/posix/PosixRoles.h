@@ -9,9 +9,10 @@
 #include "platform/Access.h"
 #include "platform/DiskChange.h"
 #include "platform/LocaleAndTime.h"
+#include "platform/Mailbox.h"
 #include "platform/Modules.h"
-#include "platform/QueueAndMailbox.h"
 #include "platform/VersionResources.h"
+#include "platform/posix/LoadedModules.h"
 #include "platform/posix/PosixContext.h"
 #include "platform/posix/ZoneRules.h"
 
@@ -65,6 +66,11 @@ class PosixModules final : public Modules {
  private:
   Text DoGetProgram() override;
   Text DoGetCurrentFolder() override;
+  Text DoModuleFileName(TextView base) const override { return Text(base) + u".so"; }
+  HANDLE DoLoadLibrary(TextView path) override;
+  HANDLE DoGetModuleHandle(TextView name) override;
+  void* DoGetProcAddress(HANDLE module, const char* name) override;
+  bool DoFreeLibrary(HANDLE module) override;
   SystemVersion DoGetVersion() override;
   bool DoIsConsole(StandardStream stream) override;
   bool DoSetConsoleCtrlHandler(void (*handler)()) override;
@@ -73,6 +79,7 @@ class PosixModules final : public Modules {
   bool DoDisableRedirection() override { return true; }
   bool DoRevertRedirection() override { return true; }
   PosixContext& mContext;
+  LoadedModules mModules;
 };
 
 class PosixLocale final : public LocaleAndTime {
@@ -91,10 +98,10 @@ class PosixLocale final : public LocaleAndTime {
   ZoneRules mZone;
 };
 
-class PosixQueue final : public QueueAndMailbox {
+class PosixQueue final : public QueueWithOwnMailbox {
  public:
   PosixQueue(CallState& state, std::function<std::uint32_t(std::uint32_t)> status)
-      : QueueAndMailbox(state), mStatus(std::move(status)) {}
+      : QueueWithOwnMailbox(state), mStatus(std::move(status)) {}
 
  private:
   std::uint32_t DoGetStatus(std::uint32_t kinds) override { return mStatus ? mStatus(kinds) : 0; }

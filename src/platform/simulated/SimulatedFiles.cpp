@@ -133,16 +133,25 @@ bool SimulatedFiles::DoGetInformation(HANDLE file, BY_HANDLE_FILE_INFORMATION& i
   return true;
 }
 
-bool SimulatedFiles::DoRead(HANDLE file, std::span<std::byte> buffer, std::uint32_t& done) {
+std::uint32_t SimulatedFiles::DoReadAt(HANDLE file, std::int64_t position,
+                                       std::span<std::byte> buffer, std::uint32_t& done) {
   done = 0;
-  OpenFile* const open = Opened(file);
-  if (open == nullptr) return false;
-  if ((open->access & FILE_READ_DATA) == 0) return Fail(ERROR_ACCESS_DENIED, false);
-  if (open->node->IsFolder()) return Fail(ERROR_INVALID_FUNCTION, false);
-  const auto position = static_cast<std::uint64_t>(open->position);
-  const std::size_t count = mWorld->disk.Read(*open->node, position, buffer);
-  open->position += static_cast<std::int64_t>(count);
-  done = static_cast<std::uint32_t>(count);
+  const auto found = mWorld->files.find(file);
+  if (found == mWorld->files.end()) return ERROR_INVALID_HANDLE;
+  const OpenFile& open = found->second;
+  if (const std::uint32_t error = mWorld->CheckVolume(*open.volume)) return error;
+  if ((open.access & FILE_READ_DATA) == 0) return ERROR_ACCESS_DENIED;
+  if (open.node->IsFolder()) return ERROR_INVALID_FUNCTION;
+  done = static_cast<std::uint32_t>(
+      mWorld->disk.Read(*open.node, static_cast<std::uint64_t>(position), buffer));
+  return ERROR_SUCCESS;
+}
+
+bool SimulatedFiles::DoRead(HANDLE file, std::span<std::byte> buffer, std::uint32_t& done) {
+  const auto found = mWorld->files.find(file);
+  const std::int64_t position = found == mWorld->files.end() ? 0 : found->second.position;
+  if (const std::uint32_t error = DoReadAt(file, position, buffer, done)) return Fail(error, false);
+  found->second.position += done;
   return true;
 }
 

@@ -153,6 +153,9 @@ void SimulatedMachine::SetVersion(const SystemVersion& version) {
 void SimulatedMachine::SetProgramPath(TextView path) {
   mWorld->programPath = path;
 }
+void SimulatedMachine::SetModule(TextView path, std::map<std::string, void*> exports) {
+  mWorld->modules[Text(path)].exports = std::move(exports);
+}
 void SimulatedMachine::SetCurrentFolder(TextView path) {
   mWorld->currentFolder = path;
 }

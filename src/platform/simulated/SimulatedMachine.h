@@ -7,6 +7,7 @@
 #pragma once
 
 #include <functional>
+#include <map>
 #include <memory>
 #include <string>
 #include <vector>
@@ -91,6 +92,8 @@ class SimulatedMachine final : public Machine {
   void SetWow64(bool isWow64);
   void SetVersion(const SystemVersion& version);
   void SetProgramPath(TextView path);
+  // A module with these functions, which any load of the path gives.
+  void SetModule(TextView path, std::map<std::string, void*> exports);
   void SetCurrentFolder(TextView path);
   void SetTempPath(TextView path);
   void SetShellFolder(std::int32_t csidl, TextView path);  // empty: there is none

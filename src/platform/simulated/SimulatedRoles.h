@@ -33,6 +33,8 @@ class SimulatedFiles final : public FileInputOutput {
                       std::uint32_t disposition, std::uint32_t flags) override;
   bool DoGetInformation(HANDLE file, BY_HANDLE_FILE_INFORMATION& information) override;
   bool DoRead(HANDLE file, std::span<std::byte> buffer, std::uint32_t& done) override;
+  std::uint32_t DoReadAt(HANDLE file, std::int64_t position, std::span<std::byte> buffer,
+                         std::uint32_t& done) override;
   bool DoWrite(HANDLE file, std::span<const std::byte> bytes, std::uint32_t& done) override;
   bool DoSetPointer(HANDLE file, std::int64_t distance, std::int64_t& newPosition,
                     std::uint32_t method) override;

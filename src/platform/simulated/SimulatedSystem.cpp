@@ -153,6 +153,39 @@ std::optional<VS_FIXEDFILEINFO> SimulatedVersions::DoQueryRoot(
   return FixedFileInfoOf(block);
 }
 
+HANDLE SimulatedModules::DoLoadLibrary(TextView path) {
+  const auto module = mWorld->modules.find(Text(path));
+  if (module == mWorld->modules.end()) return Fail(ERROR_MOD_NOT_FOUND, NULL_HANDLE);
+  if (module->second.handle == NULL_HANDLE) module->second.handle = mWorld->NewHandle();
+  ++module->second.loads;
+  return module->second.handle;
+}
+
+HANDLE SimulatedModules::DoGetModuleHandle(TextView name) {
+  for (const auto& [path, module] : mWorld->modules) {
+    if (module.loads > 0 && path.ends_with(u"\\" + Text(name))) return module.handle;
+  }
+  return Fail(ERROR_MOD_NOT_FOUND, NULL_HANDLE);
+}
+
+void* SimulatedModules::DoGetProcAddress(HANDLE handle, const char* name) {
+  for (const auto& [path, module] : mWorld->modules) {
+    const auto found = module.exports.find(name);
+    if (module.loads > 0 && module.handle == handle && found != module.exports.end())
+      return found->second;
+  }
+  return Fail(ERROR_PROC_NOT_FOUND, static_cast<void*>(nullptr));
+}
+
+bool SimulatedModules::DoFreeLibrary(HANDLE handle) {
+  for (auto& [path, module] : mWorld->modules) {
+    if (module.loads == 0 || module.handle != handle) continue;
+    --module.loads;
+    return true;
+  }
+  return Fail(ERROR_INVALID_HANDLE, false);
+}
+
 bool SimulatedModules::DoDisableRedirection() {
   if (!mWorld->isWow64) return Fail(ERROR_INVALID_FUNCTION, false);
   ++mWorld->redirectionOff;

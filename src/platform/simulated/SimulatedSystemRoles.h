@@ -3,6 +3,7 @@
 // They answer from the shared world. Internal to this folder.
 #pragma once
 
+#include "platform/Mailbox.h"
 #include "platform/simulated/SimulatedWorld.h"
 
 namespace quillmarsh::simulated {
@@ -39,6 +40,11 @@ class SimulatedModules final : public Modules {
  private:
   Text DoGetProgram() override { return mWorld->programPath; }
   Text DoGetCurrentFolder() override { return mWorld->currentFolder; }
+  Text DoModuleFileName(TextView base) const override { return Text(base) + u".dll"; }
+  HANDLE DoLoadLibrary(TextView path) override;
+  HANDLE DoGetModuleHandle(TextView name) override;
+  void* DoGetProcAddress(HANDLE module, const char* name) override;
+  bool DoFreeLibrary(HANDLE module) override;
   SystemVersion DoGetVersion() override { return mWorld->version; }
   bool DoIsWow64() override { return mWorld->isWow64; }
   bool DoDisableRedirection() override;
@@ -60,9 +66,9 @@ class SimulatedLocale final : public LocaleAndTime {
   World* mWorld;
 };
 
-class SimulatedQueue final : public QueueAndMailbox {
+class SimulatedQueue final : public QueueWithOwnMailbox {
  public:
-  SimulatedQueue(CallState& state, World& world) : QueueAndMailbox(state), mWorld(&world) {}
+  SimulatedQueue(CallState& state, World& world) : QueueWithOwnMailbox(state), mWorld(&world) {}
 
  private:
   std::uint32_t DoGetStatus(std::uint32_t kinds) override;

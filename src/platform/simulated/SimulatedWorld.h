@@ -5,6 +5,7 @@
 
 #include <functional>
 #include <map>
+#include <string>
 
 #include "base/LocaleFormat.h"
 #include "platform/ExecutableFormats.h"
@@ -41,6 +42,13 @@ struct Search {
   int dotsGiven = 0;  // of the two entries "." and ".."
 };
 
+// A module that can be loaded: its functions, and how many times it is loaded now.
+struct SimulatedModule {
+  std::map<std::string, void*> exports;
+  HANDLE handle = NULL_HANDLE;
+  int loads = 0;
+};
+
 struct World final : Resolver {
   World() : Resolver(disk) {}
 
@@ -62,6 +70,7 @@ struct World final : Resolver {
   bool impersonating = false;
   SystemVersion version{10, VER_PLATFORM_WIN32_NT};
   Text programPath = u"C:\\Program Files\\Quillmarsh\\quillmarsh.exe";
+  std::map<Text, SimulatedModule> modules;  // by path
   Text currentFolder = u"C:\\";
   Text tempPath = u"C:\\Users\\User\\AppData\\Local\\Temp\\";
   std::map<std::int32_t, Text> shellFolders;

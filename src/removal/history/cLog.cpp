@@ -16,6 +16,13 @@ void AddFreeTextToLog(TextView text) {
   if (gLog != nullptr) gLog->Add(log_kind::FreeText, {}, {}, {}, 0, {}, text, result);
 }
 
+void AddChecksumErrorToLog(TextView file, std::int32_t errorNumber, TextView errorText) {
+  bool result = false;
+  if (gLog != nullptr) {
+    gLog->Add(log_kind::CRC32Error, {}, file, {}, errorNumber, errorText, {}, result);
+  }
+}
+
 void AddFolderErrorToLog(TextView folder, std::int32_t errorNumber, TextView errorText) {
   bool result = false;
   if (gLog != nullptr) {

@@ -40,6 +40,7 @@ extern std::unique_ptr<cLog> gLog;
 // Shorter ways to add the kinds of a search to gLog.
 void AddToLog(std::int32_t kind);
 void AddFreeTextToLog(TextView text);
+void AddChecksumErrorToLog(TextView file, std::int32_t errorNumber, TextView errorText);
 void AddFolderErrorToLog(TextView folder, std::int32_t errorNumber, TextView errorText);
 
 }  // namespace quillmarsh

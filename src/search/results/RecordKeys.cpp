@@ -12,6 +12,16 @@ namespace {
 constexpr TextView kSeparator = u"|";
 constexpr TextView kDateFormat = u"yyyy/mm/dd Hh:Nn:Ss";
 
+Text HexText(std::uint32_t number) {
+  constexpr TextView Digits = u"0123456789ABCDEF";
+  Text text;
+  do {
+    text.insert(text.begin(), Digits[number & 15U]);
+    number >>= 4U;
+  } while (number != 0);
+  return text;
+}
+
 void AppendDate(Text& text, std::int64_t key) {
   static const LocaleFacts facts;
   if (key != kNoDateKey) {
@@ -28,17 +38,25 @@ std::int64_t DateKey(Date date, bool isSecondPass) {
   return date.WholeSeconds() * 2 + (isSecondPass ? 1 : 0);
 }
 
+SecondPasses RecordFacts::SecondPassesOf(const DupeFileUDT& record) const {
+  if (secondPasses.empty()) return {};
+  const auto found = secondPasses.find(record.Name);
+  return found != secondPasses.end() ? found->second : SecondPasses{};
+}
+
+std::int64_t ContentsKey(const DupeFileUDT& record, const UnreadableMarks& unreadable) {
+  if (unreadable.empty() || !unreadable.contains(record.Name)) return record.CRC32;
+  constexpr std::int64_t BehindAllChecksums = std::int64_t{1} << 33U;
+  return BehindAllChecksums + static_cast<std::int64_t>(record.Name);
+}
+
 RecordKey RecordKeyReader::Next(const DupeFileUDT& record) {
   RecordKey key;
-  if (mCriteria.namesMatch) key.name = mNames.Get(record.Name);
+  if (mCriteria.namesMatch) key.name = mFacts.names.Get(record.Name);
   if (mCriteria.sizesMatch) key.size = record.Size.Raw();
+  if (mCriteria.contentsMatch) key.contents = ContentsKey(record, mFacts.unreadable);
   if (!mCriteria.createTimeStampsMatch && !mCriteria.lastModTimeStampsMatch) return key;
-  SecondPasses passes;
-  if (!mSecondPasses.empty()) {
-    if (const auto found = mSecondPasses.find(record.Name); found != mSecondPasses.end()) {
-      passes = found->second;
-    }
-  }
+  const SecondPasses passes = mFacts.SecondPassesOf(record);
   if (mCriteria.createTimeStampsMatch) {
     key.created = DateKey(record.CreatedDate, passes.created);
     if (key.created == kNoDateKey) key.created = mLastCreated;
@@ -53,7 +71,9 @@ RecordKey RecordKeyReader::Next(const DupeFileUDT& record) {
 }
 
 bool RecordKeyReader::AreEqual(const RecordKey& a, const RecordKey& b) const {
-  if (a.size != b.size || a.created != b.created || a.lastModified != b.lastModified) return false;
+  if (a.size != b.size || a.created != b.created || a.lastModified != b.lastModified ||
+      a.contents != b.contents)
+    return false;
   return !mCriteria.namesMatch || AreStringsEqual(a.name, b.name, true);
 }
 
@@ -63,6 +83,8 @@ Text KeyText(const RecordKey& key, const SearchCriteria& criteria) {
   if (criteria.sizesMatch) text.append(Currency::FromRaw(key.size).ToText()).append(kSeparator);
   if (criteria.createTimeStampsMatch) AppendDate(text, key.created);
   if (criteria.lastModTimeStampsMatch) AppendDate(text, key.lastModified);
+  if (criteria.contentsMatch)
+    text.append(HexText(static_cast<std::uint32_t>(key.contents))).append(kSeparator);
   return text;
 }
 

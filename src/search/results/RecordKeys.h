@@ -5,6 +5,7 @@
 
 #include <cstdint>
 #include <unordered_map>
+#include <unordered_set>
 
 #include "base/DupeFileUDT.h"
 #include "base/NameArena.h"
@@ -17,6 +18,14 @@ struct SearchCriteria {
   bool sizesMatch = false;
   bool createTimeStampsMatch = false;
   bool lastModTimeStampsMatch = false;
+  bool contentsMatch = false;
+
+  // What the files must agree on before any of them is read.
+  [[nodiscard]] SearchCriteria WithoutContents() const {
+    SearchCriteria others = *this;
+    others.contentsMatch = false;
+    return others;
+  }
 };
 
 // Records of which a time lies in the second pass of an hour that the zone repeats: their local
@@ -27,6 +36,23 @@ struct SecondPasses {
   bool lastModified = false;
 };
 using SecondPassMarks = std::unordered_map<NameHandle, SecondPasses>;
+
+// Records of which the contents could not be read, by name handle. Nobody knows what is in such a
+// file, so it equals no other, whatever number stands for its checksum.
+using UnreadableMarks = std::unordered_set<NameHandle>;
+
+// What the readers of keys need beside the record.
+struct RecordFacts {
+  const NameArena& names;
+  const SecondPassMarks& secondPasses;
+  const UnreadableMarks& unreadable;
+
+  [[nodiscard]] SecondPasses SecondPassesOf(const DupeFileUDT& record) const;
+};
+
+// Equal for two records exactly if their contents count as equal; ascends with the signed checksum.
+[[nodiscard]] std::int64_t ContentsKey(const DupeFileUDT& record,
+                                       const UnreadableMarks& unreadable);
 
 // A number that is equal for two dates exactly if their texts to the second are, and that ascends
 // with them. A date without a text (an impossible one) has none.
@@ -39,29 +65,29 @@ struct RecordKey {
   std::int64_t size = 0;
   std::int64_t created = kNoDateKey;
   std::int64_t lastModified = kNoDateKey;
+  std::int64_t contents = 0;
 };
 
 // Makes the keys of records one after another, in the order of the sorted array: an impossible date
 // takes over the date of the record before it, as its text would.
 class RecordKeyReader {
  public:
-  RecordKeyReader(const NameArena& names, const SecondPassMarks& secondPasses,
-                  const SearchCriteria& criteria)
-      : mNames(names), mSecondPasses(secondPasses), mCriteria(criteria) {}
+  RecordKeyReader(const RecordFacts& facts, const SearchCriteria& criteria)
+      : mFacts(facts), mCriteria(criteria) {}
 
   [[nodiscard]] RecordKey Next(const DupeFileUDT& record);
   // Equal in every chosen field; names ignoring case, and only at equal length.
   [[nodiscard]] bool AreEqual(const RecordKey& a, const RecordKey& b) const;
 
  private:
-  const NameArena& mNames;
-  const SecondPassMarks& mSecondPasses;
+  RecordFacts mFacts;
   SearchCriteria mCriteria;
   std::int64_t mLastCreated = kNoDateKey;
   std::int64_t mLastLastModified = kNoDateKey;
 };
 
-// The key as a text, each field followed by "|": report.doc|20480|2021/03/04 17:05:09|
+// The key as a text, each field followed by "|": report.doc|20480|2021/03/04 17:05:09|, and with
+// contents their checksum in upper-case hexadecimal: report.doc|20480|CBF43926|
 [[nodiscard]] Text KeyText(const RecordKey& key, const SearchCriteria& criteria);
 
 }  // namespace quillmarsh

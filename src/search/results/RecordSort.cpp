@@ -37,7 +37,7 @@ bool HaveEqualKeys(const Item& a, const Item& b) {
   return a.high == b.high && a.low == b.low;
 }
 
-enum class Field { Name, Size, Created, LastModified };
+enum class Field { Name, Size, Created, LastModified, Contents };
 
 struct Stopped {};
 
@@ -51,14 +51,14 @@ std::uint64_t Biased(std::int64_t number) {
 
 class Sorter {
  public:
-  Sorter(std::span<const DupeFileUDT> records, const NameArena& names,
-         const SecondPassMarks& secondPasses, const SearchCriteria& criteria,
-         const std::atomic<bool>& stop)
-      : mRecords(records), mNames(names), mSecondPasses(secondPasses), mStop(stop) {
+  Sorter(std::span<const DupeFileUDT> records, const RecordFacts& facts,
+         const SearchCriteria& criteria, const std::atomic<bool>& stop)
+      : mRecords(records), mFacts(facts), mStop(stop) {
     if (criteria.namesMatch) mFields.push_back(Field::Name);
     if (criteria.sizesMatch) mFields.push_back(Field::Size);
     if (criteria.createTimeStampsMatch) mFields.push_back(Field::Created);
     if (criteria.lastModTimeStampsMatch) mFields.push_back(Field::LastModified);
+    if (criteria.contentsMatch) mFields.push_back(Field::Contents);
   }
 
   // The order of the records, as items whose index tells the record.
@@ -163,7 +163,7 @@ class Sorter {
   void TakeKey(Item& item, std::size_t field, std::size_t depth) const {
     const DupeFileUDT& record = mRecords[item.index];
     if (mFields[field] == Field::Name) {
-      const TextView name = mNames.Get(record.Name);
+      const TextView name = mFacts.names.Get(record.Name);
       item.high = Letters(name, depth);
       item.low = Letters(name, depth + kUnitsPerKey / 2);
       return;
@@ -183,19 +183,14 @@ class Sorter {
 
   std::uint64_t Number(const DupeFileUDT& record, Field field) const {
     if (field == Field::Size) return Biased(record.Size.Raw());
-    SecondPasses passes;
-    if (!mSecondPasses.empty()) {
-      if (const auto found = mSecondPasses.find(record.Name); found != mSecondPasses.end()) {
-        passes = found->second;
-      }
-    }
+    if (field == Field::Contents) return Biased(ContentsKey(record, mFacts.unreadable));
+    const SecondPasses passes = mFacts.SecondPassesOf(record);
     return Biased(field == Field::Created ? DateKey(record.CreatedDate, passes.created)
                                           : DateKey(record.LastModifiedDate, passes.lastModified));
   }
 
   std::span<const DupeFileUDT> mRecords;
-  const NameArena& mNames;
-  const SecondPassMarks& mSecondPasses;
+  const RecordFacts mFacts;
   const std::atomic<bool>& mStop;
   std::vector<Field> mFields;
 };
@@ -219,11 +214,10 @@ void Permute(std::vector<DupeFileUDT>& records, std::vector<Item>& items) {
 
 }  // namespace
 
-bool SortRecords(std::vector<DupeFileUDT>& records, const NameArena& names,
-                 const SecondPassMarks& secondPasses, const SearchCriteria& criteria,
-                 const std::atomic<bool>& stop) {
+bool SortRecords(std::vector<DupeFileUDT>& records, const RecordFacts& facts,
+                 const SearchCriteria& criteria, const std::atomic<bool>& stop) {
   try {
-    std::vector<Item> order = Sorter(records, names, secondPasses, criteria, stop).Order();
+    std::vector<Item> order = Sorter(records, facts, criteria, stop).Order();
     if (stop) return false;
     Permute(records, order);
     return true;
@@ -232,8 +226,8 @@ bool SortRecords(std::vector<DupeFileUDT>& records, const NameArena& names,
   }
 }
 
-bool SortRecordsWhilePumping(std::vector<DupeFileUDT>& records, const NameArena& names,
-                             const SecondPassMarks& secondPasses, const SearchCriteria& criteria) {
+bool SortRecordsWhilePumping(std::vector<DupeFileUDT>& records, const RecordFacts& facts,
+                             const SearchCriteria& criteria) {
   std::atomic<bool> stop = false;
   bool isSorted = false;
   bool isDone = false;
@@ -242,7 +236,7 @@ bool SortRecordsWhilePumping(std::vector<DupeFileUDT>& records, const NameArena&
   std::condition_variable done;
   std::thread helper([&] {
     try {
-      isSorted = SortRecords(records, names, secondPasses, criteria, stop);
+      isSorted = SortRecords(records, facts, criteria, stop);
     } catch (...) {
       failure = std::current_exception();
     }

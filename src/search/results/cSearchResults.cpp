@@ -61,7 +61,7 @@ Text cSearchResults::mGroupFileIndexes(std::int32_t group) const {
 Text cSearchResults::KeyTextOf(std::int32_t group) const {
   const std::vector<std::int32_t> members = MembersOf(group);
   if (members.empty()) return {};
-  RecordKeyReader reader(mNames, mSecondPasses, mCriteria);
+  RecordKeyReader reader(Facts(), mCriteria);
   return KeyText(reader.Next(Record(members.front())), mCriteria);
 }
 
@@ -97,6 +97,8 @@ void cSearchResults::ResetModuleLevelArraysForNewSearch() {
   Release(mFileMarked);
   mNames.Clear();
   mSecondPasses.clear();
+  mUnreadable.clear();
+  mAreContentsKnown = false;
 }
 
 }  // namespace quillmarsh

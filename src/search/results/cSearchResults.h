@@ -35,6 +35,9 @@ class cSearchResults {
 
   NameArena mNames;
   SecondPassMarks mSecondPasses;
+  UnreadableMarks mUnreadable;
+  // Whether the files that have a partner have been read, so that records have their checksums.
+  bool mAreContentsKnown = false;
   SearchCriteria mCriteria;  // of the search that made the groups
 
   cResultsList ulvwDupeGroups;
@@ -46,6 +49,7 @@ class cSearchResults {
   [[nodiscard]] const DupeFileUDT& Record(std::int32_t index) const {
     return mDupeFiles[static_cast<std::size_t>(index) - 1];
   }
+  [[nodiscard]] RecordFacts Facts() const { return {mNames, mSecondPasses, mUnreadable}; }
   [[nodiscard]] TextView NameOf(const DupeFileUDT& record) const { return mNames.Get(record.Name); }
   [[nodiscard]] Text FullPathOf(const DupeFileUDT& record) const;
 

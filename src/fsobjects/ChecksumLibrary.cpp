@@ -1,0 +1,159 @@
+// SPDX-License-Identifier: MIT
+// The host's side of the border: the callbacks that the library is lent. No exception may cross it,
+// so one out of an event that was pumped waits until the library has returned.
+#include "fsobjects/ChecksumLibrary.h"
+
+#include <exception>
+#include <memory>
+
+#include "frame/ErrorReporting.h"
+#include "frame/ProgramFlags.h"
+#include "frame/Pump.h"
+#include "frame/TextTable.h"
+#include "fsobjects/Handles.h"
+#include "fsobjects/PrivateClipboard.h"
+#include "fsobjects/modUnicode.h"
+#include "pbcrc32/pbcrc32.h"
+
+namespace quillmarsh {
+
+namespace {
+
+constexpr TextView kModule = u"pbcrc32";
+constexpr std::size_t kLongestErrorText = 1024;  // bytes
+
+PB_GetFileCrc32_Function getFileCrc32 = nullptr;
+std::exception_ptr pumpFailure;
+
+// The library passes the path through unread, so each character is its low byte, whatever the code
+// page says of it.
+std::string NarrowPath(TextView path) {
+  std::string bytes;
+  for (const char16_t unit : path) bytes += static_cast<char>(unit);
+  return bytes;
+}
+Text WidePath(const char* path, std::uint32_t length) {
+  Text text;
+  for (std::uint32_t i = 0; i < length; ++i) text += static_cast<unsigned char>(path[i]);
+  return text;
+}
+
+std::int32_t LastErrorOr(std::uint32_t otherwise) {
+  const std::uint32_t code = TheMachine().GetLastError();
+  return static_cast<std::int32_t>(code != 0 ? code : otherwise);
+}
+
+std::int32_t Open(void*, const char* path, std::uint32_t length, PB_OpenedFile* opened) {
+  try {
+    const RedirectionOff redirection;
+    FileInputOutput& files = TheMachine().Files();
+    auto file = std::make_unique<FileHandle>(
+        files.CreateFileW(ToLongPath(WidePath(path, length)), GENERIC_READ, FILE_SHARE_READ,
+                          OPEN_EXISTING, FILE_FLAG_SEQUENTIAL_SCAN));
+    if (!file->IsValid()) return LastErrorOr(ERROR_FILE_NOT_FOUND);
+    BY_HANDLE_FILE_INFORMATION information;
+    if (!files.GetFileInformationByHandle(file->Get(), information))
+      return LastErrorOr(ERROR_IO_DEVICE);
+    opened->size = static_cast<std::int64_t>((std::uint64_t{information.nFileSizeHigh} << 32U) |
+                                             information.nFileSizeLow);
+    opened->mayReadOnTwoThreads = files.MayReadOnTwoThreads(file->Get()) ? 1 : 0;
+    opened->file = file.release();
+    return 0;
+  } catch (...) {
+    return static_cast<std::int32_t>(ERROR_NOT_ENOUGH_MEMORY);
+  }
+}
+
+std::int32_t Read(void*, void* file, std::int64_t position, void* buffer, std::uint32_t length,
+                  std::uint32_t* done) {
+  try {
+    const HANDLE handle = static_cast<FileHandle*>(file)->Get();
+    return static_cast<std::int32_t>(TheMachine().Files().ReadFileAt(
+        handle, position, {static_cast<std::byte*>(buffer), length}, *done));
+  } catch (...) {
+    return static_cast<std::int32_t>(ERROR_NOT_ENOUGH_MEMORY);
+  }
+}
+
+void Close(void*, void* file) {
+  const std::unique_ptr<FileHandle> closing(static_cast<FileHandle*>(file));
+}
+
+void ShowProgress(void*, const char* text, std::uint32_t length) {
+  try {
+    PublishCRCProgressText({text, length});
+  } catch (...) {  // no progress is shown then
+  }
+}
+
+std::int32_t PumpAndKeepGoing(void*) {
+  try {
+    DoEvents_Fast();
+  } catch (...) {
+    pumpFailure = std::current_exception();
+    return 0;
+  }
+  return gStopCRC ? 0 : 1;
+}
+
+constexpr PB_Callbacks kLent{sizeof(PB_Callbacks), nullptr,         Open, Read, Close,
+                             ShowProgress,         PumpAndKeepGoing};
+
+template <typename Function>
+Function ExportOf(HANDLE module, const char* name) {
+  return reinterpret_cast<Function>(TheMachine().Process().GetProcAddress(module, name));
+}
+
+[[noreturn]] void RaiseNotLoaded(TextView fileName) {
+  throw RuntimeError(runtime_error::OwnConditions, u"modQuillmarsh.Main",
+                     LoadResString(788) + u" - " + Text(fileName));
+}
+
+}  // namespace
+
+void LoadChecksumLibrary() {
+  Modules& process = TheMachine().Process();
+  const Text fileName = process.ModuleFileName(kModule);
+  const HANDLE module = process.LoadLibraryW(gAppPath + fileName);
+  if (module == NULL_HANDLE) RaiseNotLoaded(fileName);
+  getFileCrc32 = ExportOf<PB_GetFileCrc32_Function>(module, "PB_GetFileCrc32");
+  const auto setCallbacks = ExportOf<PB_SetCallbacks_Function>(module, "PB_SetCallbacks");
+  const bool isUsable =
+      getFileCrc32 != nullptr && setCallbacks != nullptr && setCallbacks(&kLent) == 1;
+  if (isUsable) return;
+  FreeChecksumLibrary();
+  RaiseNotLoaded(fileName);
+}
+
+void FreeChecksumLibrary() {
+  Modules& process = TheMachine().Process();
+  getFileCrc32 = nullptr;
+  const Text fileName = process.ModuleFileName(kModule);
+  for (HANDLE module = process.GetModuleHandleW(fileName); module != NULL_HANDLE;
+       module = process.GetModuleHandleW(fileName)) {
+    const auto setCallbacks = ExportOf<PB_SetCallbacks_Function>(module, "PB_SetCallbacks");
+    if (setCallbacks != nullptr) setCallbacks(nullptr);
+    if (!process.FreeLibrary(module)) return;
+  }
+}
+
+LibraryChecksum AskLibraryForCRC32(TextView path) {
+  if (getFileCrc32 == nullptr) throw RuntimeError(runtime_error::FileNotFound);
+  std::string narrow = NarrowPath(path);
+  PB_NarrowText pathText{narrow.data(), static_cast<std::uint32_t>(narrow.size()),
+                         static_cast<std::uint32_t>(narrow.size())};
+  std::string words(kLongestErrorText, '\0');
+  PB_NarrowText errorText{words.data(), 0, static_cast<std::uint32_t>(words.size())};
+  LibraryChecksum answer;
+  pumpFailure = nullptr;
+  answer.value = getFileCrc32(pathText, answer.errorNumber, errorText);
+  if (pumpFailure) std::rethrow_exception(std::exchange(pumpFailure, nullptr));
+  if (answer.errorNumber == 0) return answer;
+  words.resize(errorText.length);
+  answer.errorText = words.empty()
+                         ? GetSystemErrorText(static_cast<std::uint32_t>(answer.errorNumber))
+                         : FromCodePage1252(words);
+  return answer;
+}
+
+}  // namespace quillmarsh

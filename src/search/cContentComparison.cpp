@@ -1,0 +1,105 @@
+// SPDX-License-Identifier: MIT
+// One walk over the runs of neighbours that agree.
+#include "search/cContentComparison.h"
+
+#include <chrono>
+#include <random>
+
+#include "frame/ProgramFlags.h"
+#include "frame/TextTable.h"
+#include "frame/Views.h"
+#include "fsobjects/FileChecksum.h"
+#include "fsobjects/PrivateClipboard.h"
+#include "platform/Machine.h"
+#include "removal/history/cLog.h"
+
+namespace quillmarsh {
+
+namespace {
+
+// Short files do not flood the status bar.
+const Currency kNamedAbove = Currency::FromInteger(20 * 1024 * 1024);     // bytes
+const Currency kProgressAbove = Currency::FromInteger(50 * 1024 * 1024);  // bytes
+constexpr std::chrono::milliseconds kProgressInterval{500};
+constexpr std::int32_t kRecordsPerLook = 4096;
+
+void ShowProgressText() {
+  const Text progress = GetCRCProgressText();
+  if (!progress.empty()) SetPanel(PANEL2, progress);
+}
+
+}  // namespace
+
+std::int32_t GetRandomCRC() {
+  std::mt19937 generator(
+      static_cast<std::uint32_t>(std::chrono::system_clock::now().time_since_epoch().count()));
+  return std::uniform_int_distribution<std::int32_t>(0, 32766)(generator);
+}
+
+cContentComparison::cContentComparison(cSearchResults& results)
+    : mResults(results), tmrCRCStatusCheck(kProgressInterval, ShowProgressText) {}
+
+bool cContentComparison::ComputeChecksums() {
+  const std::int32_t count = mResults.RecordCount();
+  SetPanel(PANEL1, LoadResString(292) + u"...");
+  SetPanel(PANEL2, {});
+  if (gViews.status != nullptr) gViews.status->ShowProgress(count);
+  DoEvents_Fast();
+  RecordKeyReader reader(mResults.Facts(), mResults.mCriteria.WithoutContents());
+  RecordKey previous = reader.Next(mResults.Record(1));
+  bool isInRun = false;
+  for (std::int32_t i = 2; i <= count; ++i) {
+    if (i % kRecordsPerLook == 0) DoEvents_Fast();
+    if (gUserAbort) return false;
+    const RecordKey key = reader.Next(mResults.Record(i));
+    const bool isPartner = reader.AreEqual(previous, key);
+    if (isPartner && !isInRun && !HandleCandidate(i - 1)) return false;
+    if (isPartner && !HandleCandidate(i)) return false;
+    isInRun = isPartner;
+    previous = key;
+  }
+  mResults.mAreContentsKnown = true;
+  return true;
+}
+
+// False when the user stopped it.
+bool cContentComparison::HandleCandidate(std::int32_t index) {
+  DupeFileUDT& record = mResults.mDupeFiles[static_cast<std::size_t>(index) - 1];
+  const Text path = mResults.FullPathOf(record);
+  ShowCandidate(index, path);
+  tmrCRCStatusCheck.SetEnabled(record.Size > kProgressAbove);
+  bool errorFlag = false;
+  std::int32_t errorNumber = 0;
+  Text errorText;
+  const std::int32_t value = GetFileCRC32(path, errorFlag, errorNumber, errorText);
+  tmrCRCStatusCheck.SetEnabled(false);
+  // The value that stands for a stop may also be the true one of a file.
+  if (!errorFlag && value == kChecksumStopped && gStopCRC) gUserAbort = true;
+  DoEvents_Fast();
+  if (gUserAbort) return false;
+  record.CRC32 = value;
+  if (errorFlag) {
+    AddChecksumErrorToLog(TheMachine().Drives().ShownPath(path), errorNumber, errorText);
+    record.CRC32 = GetRandomCRC();
+    mResults.mUnreadable.insert(record.Name);
+  }
+  return true;
+}
+
+void cContentComparison::ShowCandidate(std::int32_t index, const Text& path) {
+  if (gViews.status == nullptr) return;
+  gViews.status->SetProgress(index);
+  SetPanel(PANEL2, DecimalText(index) + u"/" + DecimalText(mResults.mFileCount));
+  if (mResults.Record(index).Size > kNamedAbove) {
+    const Text shown = TheMachine().Drives().ShownPath(path);
+    SetPanel(PANEL1, shown);
+    SetPanelToolTip(PANEL1, shown);
+    mIsHintShown = false;
+  } else if (!mIsHintShown) {
+    SetPanel(PANEL1, LoadResString(787));
+    SetPanelToolTip(PANEL1, {});
+    mIsHintShown = true;
+  }
+}
+
+}  // namespace quillmarsh
