@@ -3,6 +3,8 @@
 // so one out of an event that was pumped waits until the library has returned.
 #include "fsobjects/ChecksumLibrary.h"
 
+#include <algorithm>
+#include <array>
 #include <exception>
 #include <memory>
 
@@ -28,13 +30,15 @@ std::exception_ptr pumpFailure;
 // The library passes the path through unread, so each character is its low byte, whatever the code
 // page says of it.
 std::string NarrowPath(TextView path) {
-  std::string bytes;
-  for (const char16_t unit : path) bytes += static_cast<char>(unit);
+  std::string bytes(path.size(), '\0');
+  std::ranges::transform(path, bytes.begin(),
+                         [](char16_t unit) { return static_cast<char>(unit); });
   return bytes;
 }
 Text WidePath(const char* path, std::uint32_t length) {
-  Text text;
-  for (std::uint32_t i = 0; i < length; ++i) text += static_cast<unsigned char>(path[i]);
+  Text text(length, u'\0');
+  std::transform(path, path + length, text.begin(),
+                 [](char byte) { return static_cast<unsigned char>(byte); });
   return text;
 }
 
@@ -142,17 +146,16 @@ LibraryChecksum AskLibraryForCRC32(TextView path) {
   std::string narrow = NarrowPath(path);
   PB_NarrowText pathText{narrow.data(), static_cast<std::uint32_t>(narrow.size()),
                          static_cast<std::uint32_t>(narrow.size())};
-  std::string words(kLongestErrorText, '\0');
+  std::array<char, kLongestErrorText> words;
   PB_NarrowText errorText{words.data(), 0, static_cast<std::uint32_t>(words.size())};
   LibraryChecksum answer;
   pumpFailure = nullptr;
   answer.value = getFileCrc32(pathText, answer.errorNumber, errorText);
   if (pumpFailure) std::rethrow_exception(std::exchange(pumpFailure, nullptr));
   if (answer.errorNumber == 0) return answer;
-  words.resize(errorText.length);
-  answer.errorText = words.empty()
+  answer.errorText = errorText.length == 0
                          ? GetSystemErrorText(static_cast<std::uint32_t>(answer.errorNumber))
-                         : FromCodePage1252(words);
+                         : FromCodePage1252({words.data(), errorText.length});
   return answer;
 }
 

@@ -74,7 +74,7 @@ std::int32_t GetFileCRC32(TextView path, bool& errorFlag, std::int32_t& errorNum
   errorNumber = 0;
   errorText.clear();
   // What an earlier file came to is not to be shown for this one.
-  PublishCRCProgressText({});
+  ClearCRCProgressText();
   return ContainsUnicodeChars(path)
              ? GetFileCRC32_Internal(path, errorFlag, errorNumber, errorText)
              : PB_GetFileCrc32_Checked(path, errorFlag, errorNumber, errorText);

@@ -12,6 +12,8 @@ namespace {
 constexpr TextView kProgressFormat = u"CRC_PROGRESS_INDICATOR_FOR_QM";
 constexpr std::uint32_t kBelowFirstPrivateFormat = 0xC000;
 
+bool isProgressTold = false;
+
 class OpenedClipboard {
  public:
   OpenedClipboard() : mIsOpen(TheMachine().Queue().OpenClipboard()) {}
@@ -53,6 +55,11 @@ void PublishCRCProgressText(std::string_view text) {
   const std::uint32_t format = RegisterPrivateClipboardFormat(kProgressFormat);
   const OpenedClipboard clipboard;
   if (format != 0 && clipboard.IsOpen()) TheMachine().Queue().SetClipboardData(format, text);
+  isProgressTold = !text.empty();
+}
+
+void ClearCRCProgressText() {
+  if (isProgressTold) PublishCRCProgressText({});
 }
 
 }  // namespace quillmarsh

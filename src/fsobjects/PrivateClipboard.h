@@ -16,7 +16,8 @@ namespace quillmarsh {
 
 // How far a long checksum has come, as a person reads it; empty while there is nothing to tell.
 [[nodiscard]] Text GetCRCProgressText();
-// An empty text takes back what was told last.
 void PublishCRCProgressText(std::string_view text);
+// Takes back what was told last.
+void ClearCRCProgressText();
 
 }  // namespace quillmarsh

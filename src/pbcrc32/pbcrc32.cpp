@@ -87,12 +87,23 @@ Failure WhyItEnds(const PB_OpenedFile& opened, std::int64_t position, std::byte*
   return done == 0 && position == opened.size ? Failure{} : Changed;
 }
 
+// A file of less than a block is read at once, and a byte more than it has is asked for, so that
+// its end needs no second look.
+Failure ShortFile(const PB_OpenedFile& opened, std::uint32_t& crc) {
+  const auto size = static_cast<std::uint32_t>(opened.size);
+  const Block buffer = MakeBlock(size + 1);
+  std::uint32_t done = 0;
+  if (const std::int32_t code = ReadAt(opened, 0, buffer.get(), size + 1, done)) return {code};
+  crc = libdeflate_crc32(0, buffer.get(), done);
+  if (callbacks.PumpAndKeepGoing(callbacks.context) == 0) return GivenUp;
+  if (done == size) return {};
+  return done > size ? Changed : WhyItEnds(opened, done, buffer.get());
+}
+
 Failure OneThread(const PB_OpenedFile& opened, std::uint32_t& crc) {
-  const auto wanted =
-      static_cast<std::uint32_t>(std::clamp<std::int64_t>(opened.size + 1, 1, BlockBytes));
-  const Block buffer = MakeBlock(wanted);
+  const Block buffer = MakeBlock(BlockBytes);
   Host host(opened.size);
-  std::uint32_t length = wanted;
+  std::uint32_t length = BlockBytes;
   std::int64_t position = 0;
   for (;;) {
     const auto begin = std::chrono::steady_clock::now();
@@ -104,11 +115,8 @@ Failure OneThread(const PB_OpenedFile& opened, std::uint32_t& crc) {
     position += done;
     if (!host.KeepGoing(position)) return GivenUp;
     if (position > opened.size) return Changed;
-    // Of a short file a byte more than it has was asked, so its end needs no second look.
-    if (done < length)
-      return position == opened.size ? Failure{} : WhyItEnds(opened, position, buffer.get());
-    length = isSlow ? std::max(length / 2, std::min(wanted, SmallestBlockBytes))
-                    : std::min(length * 2, wanted);
+    if (done < length) return WhyItEnds(opened, position, buffer.get());
+    length = isSlow ? std::max(length / 2, SmallestBlockBytes) : std::min(length * 2, BlockBytes);
   }
 }
 
@@ -233,6 +241,7 @@ Failure ChecksumOf(const PB_NarrowText& path, std::uint32_t& crc) {
   const std::int32_t code = callbacks.Open(callbacks.context, path.bytes, path.length, &opened);
   if (code != 0) return {code};
   const ClosedAtEnd closing(opened.file);
+  if (opened.size >= 0 && opened.size < BlockBytes) return ShortFile(opened, crc);
   if (opened.mayReadOnTwoThreads != 0 && opened.size >= WorthTwoThreads)
     return TwoThreads(opened, crc);
   return OneThread(opened, crc);

@@ -17,6 +17,13 @@ class FileInputOutput : public Role {
  public:
   using Role::Role;
 
+  // A hint that the file will be opened for reading soon, in the order of the hints. An
+  // implementation may open it and read its beginning in the background; a handle that a later
+  // CreateFileW for the same path gives may then show the file as it was at any moment since the
+  // hint. A hint that is not taken up is dropped by DropReadAhead.
+  void ReadAhead(TextView path) { DoReadAhead(path); }
+  void DropReadAhead() { DoDropReadAhead(); }
+
   // INVALID_HANDLE on failure. `access`, `share`, `disposition` and `flags` as the constants say.
   // Success leaves the last error 183 when CREATE_ALWAYS or OPEN_ALWAYS met an existing file, else
   // 0.
@@ -91,6 +98,8 @@ class FileInputOutput : public Role {
  private:
   virtual HANDLE DoCreateFile(TextView path, std::uint32_t access, std::uint32_t share,
                               std::uint32_t disposition, std::uint32_t flags) = 0;
+  virtual void DoReadAhead(TextView /*path*/) {}
+  virtual void DoDropReadAhead() {}
   virtual bool DoGetInformation(HANDLE file, BY_HANDLE_FILE_INFORMATION& information) = 0;
   virtual bool DoRead(HANDLE file, std::span<std::byte> buffer, std::uint32_t& done) = 0;
   virtual std::uint32_t DoReadAt(HANDLE file, std::int64_t position, std::span<std::byte> buffer,

@@ -1,8 +1,10 @@
 // SPDX-License-Identifier: MIT
-// One walk over the runs of neighbours that agree.
+// One walk over the runs of neighbours that agree finds the candidates; then each is read, while
+// the machine is told which ones come next.
 #include "search/cContentComparison.h"
 
 #include <chrono>
+#include <deque>
 #include <random>
 
 #include "frame/ProgramFlags.h"
@@ -10,6 +12,7 @@
 #include "frame/Views.h"
 #include "fsobjects/FileChecksum.h"
 #include "fsobjects/PrivateClipboard.h"
+#include "fsobjects/modUnicode.h"
 #include "platform/Machine.h"
 #include "removal/history/cLog.h"
 
@@ -22,6 +25,14 @@ const Currency kNamedAbove = Currency::FromInteger(20 * 1024 * 1024);     // byt
 const Currency kProgressAbove = Currency::FromInteger(50 * 1024 * 1024);  // bytes
 constexpr std::chrono::milliseconds kProgressInterval{500};
 constexpr std::int32_t kRecordsPerLook = 4096;
+constexpr std::size_t kFilesAhead = 64;
+
+struct ReadAheadScope {
+  ReadAheadScope() = default;
+  ~ReadAheadScope() { TheMachine().Files().DropReadAhead(); }
+  ReadAheadScope(const ReadAheadScope&) = delete;
+  ReadAheadScope& operator=(const ReadAheadScope&) = delete;
+};
 
 void ShowProgressText() {
   const Text progress = GetCRCProgressText();
@@ -40,11 +51,28 @@ cContentComparison::cContentComparison(cSearchResults& results)
     : mResults(results), tmrCRCStatusCheck(kProgressInterval, ShowProgressText) {}
 
 bool cContentComparison::ComputeChecksums() {
-  const std::int32_t count = mResults.RecordCount();
   SetPanel(PANEL1, LoadResString(292) + u"...");
   SetPanel(PANEL2, {});
-  if (gViews.status != nullptr) gViews.status->ShowProgress(count);
+  if (gViews.status != nullptr) gViews.status->ShowProgress(mResults.mFileCount);
   DoEvents_Fast();
+  if (!FindCandidates()) return false;
+  const ReadAheadScope hints;
+  std::deque<Text> paths;  // of the candidates from the present one to the last that was hinted
+  std::size_t next = 0;
+  for (const std::int32_t candidate : mCandidates) {
+    for (; next < mCandidates.size() && paths.size() <= kFilesAhead; ++next) {
+      paths.push_back(mResults.FullPathOf(mResults.Record(mCandidates[next])));
+      TheMachine().Files().ReadAhead(ToLongPath(paths.back()));
+    }
+    if (!HandleCandidate(candidate, paths.front())) return false;
+    paths.pop_front();
+  }
+  mResults.mAreContentsKnown = true;
+  return true;
+}
+
+bool cContentComparison::FindCandidates() {
+  const std::int32_t count = mResults.RecordCount();
   RecordKeyReader reader(mResults.Facts(), mResults.mCriteria.WithoutContents());
   RecordKey previous = reader.Next(mResults.Record(1));
   bool isInRun = false;
@@ -53,19 +81,16 @@ bool cContentComparison::ComputeChecksums() {
     if (gUserAbort) return false;
     const RecordKey key = reader.Next(mResults.Record(i));
     const bool isPartner = reader.AreEqual(previous, key);
-    if (isPartner && !isInRun && !HandleCandidate(i - 1)) return false;
-    if (isPartner && !HandleCandidate(i)) return false;
+    if (isPartner && !isInRun) mCandidates.push_back(i - 1);
+    if (isPartner) mCandidates.push_back(i);
     isInRun = isPartner;
     previous = key;
   }
-  mResults.mAreContentsKnown = true;
   return true;
 }
 
-// False when the user stopped it.
-bool cContentComparison::HandleCandidate(std::int32_t index) {
+bool cContentComparison::HandleCandidate(std::int32_t index, const Text& path) {
   DupeFileUDT& record = mResults.mDupeFiles[static_cast<std::size_t>(index) - 1];
-  const Text path = mResults.FullPathOf(record);
   ShowCandidate(index, path);
   tmrCRCStatusCheck.SetEnabled(record.Size > kProgressAbove);
   bool errorFlag = false;

@@ -5,6 +5,8 @@
 // in the history, and equals no other. Owns nothing but its timer.
 #pragma once
 
+#include <vector>
+
 #include "frame/Pump.h"
 #include "search/results/cSearchResults.h"
 
@@ -19,10 +21,13 @@ class cContentComparison {
   [[nodiscard]] bool ComputeChecksums();
 
  private:
-  [[nodiscard]] bool HandleCandidate(std::int32_t index);
+  // Both false when the user stopped it.
+  [[nodiscard]] bool FindCandidates();
+  [[nodiscard]] bool HandleCandidate(std::int32_t index, const Text& path);
   void ShowCandidate(std::int32_t index, const Text& path);
 
   cSearchResults& mResults;
+  std::vector<std::int32_t> mCandidates;  // record indexes, ascending
   PumpTimer tmrCRCStatusCheck;
   bool mIsHintShown = false;  // in PANEL1, in place of a path
 };

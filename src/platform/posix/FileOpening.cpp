@@ -27,15 +27,16 @@ int OpenFlags(const OpenRequest& request) {
 }
 
 // What was opened must be what may be opened. The mode is that of the open file itself.
-std::uint32_t CheckOpened(const OpenRequest& request, bool endsInBackslash, const UniqueFd& fd) {
-  struct stat facts {};
-  if (::fstat(fd.Get(), &facts) != 0) return SystemErrorFromErrno(errno);
-  if (S_ISDIR(facts.st_mode))
+std::uint32_t CheckOpened(const OpenRequest& request, bool endsInBackslash, OpenedFile& opened) {
+  struct statx& facts = opened.facts;
+  if (::statx(opened.fd.Get(), "", AT_EMPTY_PATH, FactsWanted, &facts) != 0)
+    return SystemErrorFromErrno(errno);
+  if (S_ISDIR(facts.stx_mode))
     return (request.flags & FILE_FLAG_BACKUP_SEMANTICS) != 0 ? ERROR_SUCCESS : ERROR_ACCESS_DENIED;
-  if (!S_ISREG(facts.st_mode)) return ERROR_ACCESS_DENIED;
+  if (!S_ISREG(facts.stx_mode)) return ERROR_ACCESS_DENIED;
   if (endsInBackslash) return ERROR_INVALID_NAME;
   // The system would let the owner and the administrator pass; a read-only file is to be kept.
-  const bool isReadOnly = (facts.st_mode & S_IWUSR) == 0;
+  const bool isReadOnly = (facts.stx_mode & S_IWUSR) == 0;
   const bool changes = Writes(request) || request.disposition == CREATE_ALWAYS;
   return isReadOnly && changes ? ERROR_ACCESS_DENIED : ERROR_SUCCESS;
 }
@@ -52,7 +53,7 @@ std::uint32_t OpenExisting(const PathResolver& resolver, int root, const Located
   if (error == EISDIR && mayBeFolder && !empties)
     error = resolver.Open(root, relative, O_RDONLY | O_DIRECTORY | O_NONBLOCK, 0, opened.fd);
   if (error != 0) return resolver.CodeOfFailure(root, relative, error);
-  if (const std::uint32_t code = CheckOpened(request, located.path.endsInBackslash, opened.fd)) {
+  if (const std::uint32_t code = CheckOpened(request, located.path.endsInBackslash, opened)) {
     opened.fd.Reset();
     return code;
   }
@@ -76,11 +77,16 @@ std::uint32_t OpenFileAt(const PathResolver& resolver, const Located& located,
                          const OpenRequest& request, OpenedFile& opened) {
   UniqueFd root;
   if (const std::uint32_t error = resolver.OpenRoot(*located.drive, root)) return error;
+  return OpenFileBelow(resolver, root.Get(), located, request, opened);
+}
+
+std::uint32_t OpenFileBelow(const PathResolver& resolver, int root, const Located& located,
+                            const OpenRequest& request, OpenedFile& opened) {
   switch (request.disposition) {
     case OPEN_EXISTING:
-      return OpenExisting(resolver, root.Get(), located, request, opened);
+      return OpenExisting(resolver, root, located, request, opened);
     case CREATE_NEW:
-      return CreateNew(resolver, root.Get(), located, request, opened);
+      return CreateNew(resolver, root, located, request, opened);
     case CREATE_ALWAYS:
     case OPEN_ALWAYS:
       break;
@@ -89,9 +95,9 @@ std::uint32_t OpenFileAt(const PathResolver& resolver, const Located& located,
   }
   // Somebody else may make or remove the file between the two steps, but not for ever.
   for (int attempt = 0; attempt < 8; ++attempt) {
-    const std::uint32_t existing = OpenExisting(resolver, root.Get(), located, request, opened);
+    const std::uint32_t existing = OpenExisting(resolver, root, located, request, opened);
     if (existing != ERROR_FILE_NOT_FOUND) return existing;
-    const std::uint32_t created = CreateNew(resolver, root.Get(), located, request, opened);
+    const std::uint32_t created = CreateNew(resolver, root, located, request, opened);
     if (created != ERROR_FILE_EXISTS) return created;
   }
   return ERROR_SHARING_VIOLATION;

@@ -16,12 +16,18 @@ struct OpenRequest {
 
 struct OpenedFile {
   UniqueFd fd;
+  struct statx facts {};  // just behind the opening; empty for a new file
   bool existed = false;
 };
 
 // Answers a code.
 [[nodiscard]] std::uint32_t OpenFileAt(const PathResolver& resolver, const Located& located,
                                        const OpenRequest& request, OpenedFile& opened);
+
+// The same below a root of the drive that is open already.
+[[nodiscard]] std::uint32_t OpenFileBelow(const PathResolver& resolver, int root,
+                                          const Located& located, const OpenRequest& request,
+                                          OpenedFile& opened);
 
 // Reads until the buffer is full or the file ends. Answers an errno; `done` counts what was read.
 [[nodiscard]] int ReadFully(int fd, std::byte* buffer, std::size_t size, std::int64_t position,

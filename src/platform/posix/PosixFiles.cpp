@@ -10,6 +10,8 @@
 #include <cerrno>
 #include <cstring>
 #include <limits>
+#include <optional>
+#include <utility>
 #include <vector>
 
 #include "platform/ExecutableFormats.h"
@@ -42,47 +44,73 @@ int WriteFully(int fd, const std::byte* bytes, std::size_t size, std::int64_t po
 
 }  // namespace
 
-PosixFiles::PosixFiles(CallState& state, PosixContext& context)
-    : FileInputOutput(state), mContext(context) {}
+PosixFiles::PosixFiles(CallState& state, PosixContext& context, FilePrefetcher::Settings settings)
+    : FileInputOutput(state), mContext(context), mPrefetcher(std::move(settings)) {}
+
+void PosixFiles::DoReadAhead(TextView path) {
+  Located located;
+  if (mContext.Locate(path, located) == ERROR_SUCCESS) mPrefetcher.Hint(path, std::move(located));
+}
+
+std::uint32_t PosixFiles::Open(TextView path, const OpenRequest& request, OpenFile& file,
+                               Located& located, bool& existed) {
+  const bool onlyReads = request.access == GENERIC_READ && request.disposition == OPEN_EXISTING;
+  std::uint32_t error = ERROR_SUCCESS;
+  if (onlyReads) file.ahead = mPrefetcher.Take(path, located, error);
+  if (error == ERROR_SUCCESS && located.drive == nullptr) error = mContext.Locate(path, located);
+  if (error != ERROR_SUCCESS) return error;
+  file.answers = located.drive->kind.answers;
+  if (file.ahead != nullptr) {
+    file.fd = std::make_shared<UniqueFd>(std::move(file.ahead->fd));
+    file.facts = file.ahead->facts;
+    existed = true;
+    return ERROR_SUCCESS;
+  }
+  OpenedFile opened;
+  error = mContext.Run(file.answers, opened,
+                       [resolver = mContext.resolver, located, request](OpenedFile& result) {
+                         return OpenFileAt(*resolver, located, request, result);
+                       });
+  file.fd = std::make_shared<UniqueFd>(std::move(opened.fd));
+  if (onlyReads) file.facts = opened.facts;
+  existed = opened.existed;
+  return error;
+}
 
 HANDLE PosixFiles::DoCreateFile(TextView path, std::uint32_t access, std::uint32_t /*share*/,
                                 std::uint32_t disposition, std::uint32_t flags) {
-  Located located;
-  if (const std::uint32_t error = mContext.Locate(path, located))
-    return Fail(error, INVALID_HANDLE);
-  const bool answers = located.drive->kind.answers;
-  const OpenRequest request{access, disposition, flags};
-  OpenedFile opened;
-  const std::uint32_t error = mContext.Run(
-      answers, opened, [resolver = mContext.resolver, located, request](OpenedFile& result) {
-        return OpenFileAt(*resolver, located, request, result);
-      });
-  if (error != 0) return Fail(error, INVALID_HANDLE);
-  if ((flags & FILE_FLAG_SEQUENTIAL_SCAN) != 0)
-    (void)::posix_fadvise(opened.fd.Get(), 0, 0, POSIX_FADV_SEQUENTIAL);
   auto file = std::make_unique<OpenFile>();
-  file->fd = std::make_shared<UniqueFd>(std::move(opened.fd));
-  file->answers = answers;
+  Located located;
+  bool existed = false;
+  if (const auto error = Open(path, {access, disposition, flags}, *file, located, existed))
+    return Fail(error, INVALID_HANDLE);
+  const bool isRead = file->ahead != nullptr && file->ahead->isWhole;
+  if ((flags & FILE_FLAG_SEQUENTIAL_SCAN) != 0 && !isRead)
+    (void)::posix_fadvise(file->fd->Get(), 0, 0, POSIX_FADV_SEQUENTIAL);
   file->name = located.path.Name();
   file->reads = (access & GENERIC_READ) != 0;
   file->writes = (access & (GENERIC_WRITE | FILE_APPEND_DATA)) != 0;
   file->appends = file->writes && (access & GENERIC_WRITE) == 0;
   file->volumeSerial = SerialNumberOf(*located.drive);
   const bool reports = disposition == CREATE_ALWAYS || disposition == OPEN_ALWAYS;
-  SetLastError(reports && opened.existed ? ERROR_ALREADY_EXISTS : ERROR_SUCCESS);
+  SetLastError(reports && existed ? ERROR_ALREADY_EXISTS : ERROR_SUCCESS);
   return mFiles.Add(std::move(file));
 }
 
 bool PosixFiles::DoGetInformation(HANDLE handle, BY_HANDLE_FILE_INFORMATION& information) {
-  const OpenFile* const file = mFiles.Find(handle);
+  OpenFile* const file = mFiles.Find(handle);
   if (file == nullptr) return Fail(ERROR_INVALID_HANDLE, false);
   struct statx facts {};
-  const std::uint32_t error =
-      mContext.Run(file->answers, facts, [fd = file->fd](struct statx& found) {
-        const int failed = ::statx(fd->Get(), "", AT_EMPTY_PATH, FactsWanted, &found);
-        return failed != 0 ? SystemErrorFromErrno(errno) : ERROR_SUCCESS;
-      });
-  if (error != 0) return Fail(error, false);
+  if (file->facts) {
+    facts = *std::exchange(file->facts, std::nullopt);
+  } else {
+    const std::uint32_t error =
+        mContext.Run(file->answers, facts, [fd = file->fd](struct statx& found) {
+          const int failed = ::statx(fd->Get(), "", AT_EMPTY_PATH, FactsWanted, &found);
+          return failed != 0 ? SystemErrorFromErrno(errno) : ERROR_SUCCESS;
+        });
+    if (error != 0) return Fail(error, false);
+  }
   WIN32_FIND_DATAW entry;
   FillFindData(facts, KindOf(facts), file->name, entry);
   information.dwFileAttributes = entry.dwFileAttributes;
@@ -102,6 +130,18 @@ std::uint32_t PosixFiles::ReadBytes(const OpenFile& file, std::int64_t position,
                                     std::span<std::byte> buffer, std::uint32_t& done) {
   if (!file.reads) return ERROR_ACCESS_DENIED;
   std::size_t count = 0;
+  if (file.ahead != nullptr && position >= 0) {
+    const std::size_t begin = std::min(static_cast<std::size_t>(position), file.ahead->headBytes);
+    count = std::min(buffer.size(), file.ahead->headBytes - begin);
+    if (count > 0) std::memcpy(buffer.data(), file.ahead->head.get() + begin, count);
+    if (file.ahead->isWhole || count == buffer.size()) {
+      done = static_cast<std::uint32_t>(count);
+      return ERROR_SUCCESS;
+    }
+  }
+  const std::size_t fromHead = count;
+  buffer = buffer.subspan(fromHead);
+  position += static_cast<std::int64_t>(fromHead);
   if (file.answers) {
     const std::size_t size = std::min(buffer.size(), MostBytes);
     if (const int error = ReadFully(file.fd->Get(), buffer.data(), size, position, count))
@@ -122,7 +162,7 @@ std::uint32_t PosixFiles::ReadBytes(const OpenFile& file, std::int64_t position,
     count = bytes.size();
     if (count > 0) std::memcpy(buffer.data(), bytes.data(), count);
   }
-  done = static_cast<std::uint32_t>(count);
+  done = static_cast<std::uint32_t>(fromHead + count);
   return ERROR_SUCCESS;
 }
 

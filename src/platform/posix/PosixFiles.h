@@ -8,6 +8,7 @@
 #include <memory>
 
 #include "platform/FileInputOutput.h"
+#include "platform/posix/FilePrefetcher.h"
 #include "platform/posix/HandleTable.h"
 #include "platform/posix/PosixContext.h"
 
@@ -15,12 +16,15 @@ namespace quillmarsh {
 
 class PosixFiles final : public FileInputOutput {
  public:
-  PosixFiles(CallState& state, PosixContext& context);
+  PosixFiles(CallState& state, PosixContext& context, FilePrefetcher::Settings settings);
 
  private:
   struct OpenFile {
     // Shared with a read that hangs, which then is the one to close the file.
     std::shared_ptr<UniqueFd> fd;
+    std::unique_ptr<PrefetchedFile> ahead;  // what was read ahead, if it was
+    // As they were when the file was opened: good for the first question only.
+    std::optional<struct statx> facts;
     std::string name;  // hidden or not shows in it
     bool answers = true;
     bool reads = false;
@@ -32,6 +36,8 @@ class PosixFiles final : public FileInputOutput {
 
   HANDLE DoCreateFile(TextView path, std::uint32_t access, std::uint32_t share,
                       std::uint32_t disposition, std::uint32_t flags) override;
+  void DoReadAhead(TextView path) override;
+  void DoDropReadAhead() override { mPrefetcher.DropHints(); }
   bool DoGetInformation(HANDLE file, BY_HANDLE_FILE_INFORMATION& information) override;
   bool DoRead(HANDLE file, std::span<std::byte> buffer, std::uint32_t& done) override;
   std::uint32_t DoReadAt(HANDLE file, std::int64_t position, std::span<std::byte> buffer,
@@ -50,12 +56,16 @@ class PosixFiles final : public FileInputOutput {
 
   // The entry's facts, or the last error set.
   bool Look(TextView path, EntryFacts& entry);
+  // A code, and the file if there is none.
+  std::uint32_t Open(TextView path, const OpenRequest& request, OpenFile& file, Located& located,
+                     bool& existed);
   // Answers a code. Any thread may call it for a file that answers.
   std::uint32_t ReadBytes(const OpenFile& file, std::int64_t position, std::span<std::byte> buffer,
                           std::uint32_t& done);
   bool SizeOf(const OpenFile& file, std::int64_t& size);
 
   PosixContext& mContext;
+  FilePrefetcher mPrefetcher;
   HandleTable<OpenFile> mFiles;
 };
 

@@ -47,7 +47,7 @@ struct PosixMachine::Roles {
         context(LettersFor(options, folders),
                 std::make_shared<const PathResolver>(options.byComponents), patience),
         find(calls, context, ReaderFor(options, context, patience)),
-        files(calls, context),
+        files(calls, context, {context.resolver, patience, options.beforeFile}),
         disk(calls, context),
         drives(calls, context),
         security(calls, context),
