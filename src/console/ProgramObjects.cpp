@@ -6,6 +6,7 @@
 #include "frame/ProgramFlags.h"
 #include "fsobjects/cFSXFolderPathsList.h"
 #include "fsobjects/cFileSpecParser.h"
+#include "removal/history/cHistory.h"
 #include "settings/OptionsFolder.h"
 #include "settings/clsDupeSettings.h"
 
@@ -21,13 +22,16 @@ ProgramObjects::ProgramObjects(Machine& machine) : mPump(machine) {
   mLog = log.get();
   gLog = std::move(log);
   gFileSpecParser = std::make_unique<cFileSpecParser>();
+  gHistory = std::make_unique<cHistory>();
   gIsWow64 = machine.Process().IsWow64Process();
   SetErrorDetailFolder(GetIniFileFolder);
 }
 
 ProgramObjects::~ProgramObjects() {
   EndProgress();
+  gLog->AppendInMemoryStringToLogFile();
   SetErrorDetailFolder({});
+  gHistory.reset();
   gFileSpecParser.reset();
   gLog.reset();
   gDupeSettings.reset();

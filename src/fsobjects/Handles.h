@@ -38,6 +38,8 @@ class OwnedHandle {
 
   [[nodiscard]] bool IsValid() const { return mHandle != INVALID_HANDLE; }
   [[nodiscard]] HANDLE Get() const { return mHandle; }
+  // The caller closes it now.
+  [[nodiscard]] HANDLE Release() { return std::exchange(mHandle, INVALID_HANDLE); }
 
  private:
   HANDLE mHandle;
