@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Of all entries of the log, those that a person at a console has to know.
+// Of all entries of the history, those that a person at a console has to know at once.
 #include "console/ConsoleLog.h"
 
 #include "console/StandardStreams.h"
@@ -16,12 +16,15 @@ TextView WithoutLineBreak(TextView text) {
 
 }  // namespace
 
-void ConsoleLog::Add(std::int32_t kind, TextView, TextView fileSpec, TextView,
-                     std::int32_t errorNumber, TextView errorText, TextView, bool&) {
-  if (kind != log_kind::GetSubFoldersError && kind != log_kind::CRC32Error) return;
+void ConsoleLog::Add(std::int32_t kind, TextView spareText, TextView fileSpec, TextView targetPath,
+                     std::int32_t errorNumber, TextView errorText, TextView customText,
+                     bool& result) {
+  cLog::Add(kind, spareText, fileSpec, targetPath, errorNumber, errorText, customText, result);
+  const bool isFolder = kind == log_kind::GetSubFoldersError;
+  if (!isFolder && kind != log_kind::CRC32Error) return;
   mErrorCount += 1;
   const TextView reason = WithoutLineBreak(errorText);
-  PrintError("could not read all of \"" + ToUtf8(fileSpec) +
+  PrintError((isFolder ? "could not read all of \"" : "could not read \"") + ToUtf8(fileSpec) +
              "\": " + (reason.empty() ? "unknown reason" : ToUtf8(reason)) + " (" +
              std::to_string(errorNumber) + ")");
 }

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// The log as the console program keeps it: errors of the search are told on standard error as they
-// come and counted for the exit code; everything else is of no concern there.
+// The log as the console program keeps it: the history, and beside it what could not be read told
+// on standard error as it comes and counted for the exit code.
 #pragma once
 
 #include "removal/history/cLog.h"
@@ -12,8 +12,6 @@ class ConsoleLog final : public cLog {
   void Add(std::int32_t kind, TextView spareText, TextView fileSpec, TextView targetPath,
            std::int32_t errorNumber, TextView errorText, TextView customText,
            bool& result) override;
-  void AppendInMemoryStringToLogFile() override {}
-  void ResetInMemoryLog() override {}
 
   [[nodiscard]] std::int64_t ErrorCount() const { return mErrorCount; }
 

@@ -7,6 +7,7 @@
 #include "fsobjects/ChecksumLibrary.h"
 #include "fsobjects/cFSXFolderPathsList.h"
 #include "fsobjects/cFileSpecParser.h"
+#include "removal/history/cHistory.h"
 #include "settings/OptionsFolder.h"
 #include "settings/clsDupeSettings.h"
 
@@ -32,6 +33,7 @@ ProgramObjects::ProgramObjects(Machine& machine) : mPump(machine) {
   mLog = log.get();
   gLog = std::move(log);
   gFileSpecParser = std::make_unique<cFileSpecParser>();
+  gHistory = std::make_unique<cHistory>();
   SetErrorDetailFolder(GetIniFileFolder);
   mIsUsable = Guarded(u"modQuillmarsh.Main", LoadChecksumLibrary);
   gIsWow64 = machine.Process().IsWow64Process();
@@ -39,8 +41,10 @@ ProgramObjects::ProgramObjects(Machine& machine) : mPump(machine) {
 
 ProgramObjects::~ProgramObjects() {
   EndProgress();
+  gLog->AppendInMemoryStringToLogFile();
   FreeChecksumLibrary();
   SetErrorDetailFolder({});
+  gHistory.reset();
   gFileSpecParser.reset();
   gLog.reset();
   gDupeSettings.reset();

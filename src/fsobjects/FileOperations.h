@@ -5,7 +5,6 @@
 #pragma once
 
 #include "base/Text.h"
-#include "fsobjects/modUnicode.h"
 
 namespace quillmarsh {
 
@@ -22,8 +21,6 @@ class FileOperations {
   virtual bool FSXFSO_RenameFSO(TextView path, TextView newName) = 0;
   // Writes to the disk what differs there from the object.
   virtual bool SaveFilePropertyChanges(cFSXFile& file) = 0;
-  virtual bool WriteStringToFile(TextView path, TextView text, bool overwrite,
-                                 TextEncoding encoding) = 0;
 };
 
 extern FileOperations* gFileOperations;  // not owned

@@ -9,11 +9,11 @@
 #include "base/TextEquality.h"
 #include "frame/ErrorReporting.h"
 #include "frame/Pump.h"
-#include "fsobjects/FileOperations.h"
 #include "fsobjects/Handles.h"
 #include "fsobjects/cFSXDrive.h"
 #include "fsobjects/cFSXFile.h"
 #include "fsobjects/cFSXFolder.h"
+#include "fsobjects/modAPIReadWriteFile.h"
 #include "fsobjects/modPaths.h"
 
 namespace quillmarsh {
@@ -189,8 +189,7 @@ Text cFSXFileSystemObject::GetParentFolderName(TextView path) {
 
 bool cFSXFileSystemObject::WriteTextToFile(TextView fileSpec, TextView text, bool overwrite,
                                            TextEncoding encoding) {
-  return gFileOperations != nullptr &&
-         gFileOperations->WriteStringToFile(fileSpec, text, overwrite, encoding);
+  return WriteStringToFile(fileSpec, text, overwrite, encoding);
 }
 
 Text cFSXFileSystemObject::FileSystemName(TextView path) {

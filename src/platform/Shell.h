@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 // What the desktop's shell knows: its special folders, the places of the Recycle Bin and the names
-// of file types. Folders come as the calls give them, as a rule without a final backslash.
+// of file types; and the starting of its programs. Folders come as the calls give them, as a rule
+// without a final backslash.
 #pragma once
 
 #include <vector>
@@ -9,6 +10,14 @@
 #include "platform/SystemTypes.h"
 
 namespace quillmarsh {
+
+// Answers of ShellExecuteW: up to 32 a failure, of which these are named; above it success.
+inline constexpr std::intptr_t SE_ERR_FNF = 2;
+inline constexpr std::intptr_t SE_ERR_PNF = 3;
+inline constexpr std::intptr_t SE_ERR_ACCESSDENIED = 5;
+inline constexpr std::intptr_t SE_ERR_NOASSOC = 31;
+inline constexpr std::intptr_t kLastShellFailure = 32;
+inline constexpr std::int32_t SW_SHOWNORMAL = 1;
 
 class Shell : public Role {
  public:
@@ -32,6 +41,19 @@ class Shell : public Role {
     return Run(Operation::SHGetFileInfoW, name, Text(), [&] { return DoGetTypeName(name); });
   }
 
+  // Starts a program with its parameters, or opens a file in the program for its type, and does not
+  // wait for it. "notepad.exe" stands for the system's viewer of plain text and takes one path,
+  // which may be in quotation marks.
+  [[nodiscard]] std::intptr_t ShellExecuteW(TextView verb, TextView file, TextView parameters,
+                                            std::int32_t show) {
+    std::intptr_t answer = SE_ERR_ACCESSDENIED;
+    static_cast<void>(Run(Operation::ShellExecuteW, file, false, [&] {
+      answer = DoExecute(verb, file, parameters, show);
+      return answer > kLastShellFailure;
+    }));
+    return answer;
+  }
+
   // Texts that mark a path as lying in the Recycle Bin when they occur anywhere in it. Empty where
   // the bin's place follows from the file system of the drive.
   [[nodiscard]] std::vector<Text> RecycleBinMarks() { return DoRecycleBinMarks(); }
@@ -41,6 +63,8 @@ class Shell : public Role {
   virtual Text DoGetItemPath(std::int32_t csidl) = 0;
   virtual Text DoGetTempPath() = 0;
   virtual Text DoGetTypeName(TextView name) = 0;
+  virtual std::intptr_t DoExecute(TextView verb, TextView file, TextView parameters,
+                                  std::int32_t show) = 0;
   virtual std::vector<Text> DoRecycleBinMarks() = 0;
 };
 

@@ -79,6 +79,17 @@ class Formats(Case):
         self.assertEqual(done.returncode, 2)
         self.assertIn(b"No space left", done.stderr)
 
+    def test_every_search_leaves_its_record_in_the_history(self):
+        for _ in range(2):
+            oracle.run("search", self.tree)
+        path = os.path.join(self.folder, "data home/Harrow Fen/Quillmarsh/history.log")
+        with open(path, "rb") as file:
+            text = file.read().decode("utf-16-le")
+        self.assertEqual((text[0], text.count("\ufeff")), ("\ufeff", 1))
+        for entry in ("<Begin Duplicate Search>\r\n", f"\tLocations To Search: {self.tree}\r\n",
+                      "<End Duplicate Search>\r\n"):
+            self.assertEqual(text.count(entry), 2, text)
+
     def test_progress_goes_to_standard_error_when_asked_for(self):
         self.assertEqual(oracle.run("search", self.tree).stderr, b"")
         self.assertIn(b"Files:", oracle.run("search", "--progress", self.tree).stderr)

@@ -4,7 +4,6 @@
 #include "FsObjectsFixture.h"
 #include "fsobjects/FileOperations.h"
 #include "fsobjects/cFSXFile.h"
-#include "fsobjects/cFSXFileSystemObject.h"
 
 namespace quillmarsh {
 namespace {
@@ -27,12 +26,6 @@ class ScriptedOperations final : public FileOperations {
     return Note("rename", path, newName);
   }
   bool SaveFilePropertyChanges(cFSXFile& file) override { return Note("save", file.Path(), u""); }
-  bool WriteStringToFile(TextView path, TextView text, bool overwrite,
-                         TextEncoding encoding) override {
-    EXPECT_TRUE(overwrite);
-    EXPECT_EQ(encoding, TextEncoding::Utf16LittleEndian);
-    return Note("write", path, text);
-  }
 
  private:
   bool Note(const char* verb, TextView a, TextView b) {
@@ -115,12 +108,6 @@ TEST_F(FileOperationsOfTheObject, WithoutTheOperationsEveryMemberFails) {
   EXPECT_FALSE(file.RenameFile(u"x"));
   EXPECT_FALSE(file.SaveChanges());
   EXPECT_EQ(file.Path(), u"C:\\d\\a.txt");
-}
-
-TEST_F(FileOperationsOfTheObject, FacadePassesTextOn) {
-  EXPECT_TRUE(cFSXFileSystemObject().WriteTextToFile(u"C:\\t.txt", u"text", true,
-                                                     TextEncoding::Utf16LittleEndian));
-  EXPECT_EQ(LastCall(), "write C:\\t.txt | text");
 }
 
 }  // namespace

@@ -9,6 +9,8 @@
 #include <cstdlib>
 #include <memory>
 
+#include "base/TextEquality.h"
+#include "platform/posix/DesktopPrograms.h"
 #include "platform/posix/ErrnoCodes.h"
 #include "platform/posix/NameMapping.h"
 #include "platform/posix/NativeWalk.h"
@@ -34,6 +36,26 @@ std::string HomeOfUser() {
       found == nullptr || found->pw_dir == nullptr || found->pw_dir[0] != '/')
     return {};
   return found->pw_dir;
+}
+
+constexpr TextView kTextViewer = u"notepad.exe";
+constexpr std::intptr_t kStarted = 42;
+
+TextView WithoutQuotes(TextView parameter) {
+  if (parameter.size() < 2 || !parameter.starts_with(u'"') || !parameter.ends_with(u'"'))
+    return parameter;
+  return parameter.substr(1, parameter.size() - 2);
+}
+
+std::intptr_t ShellAnswerOf(std::uint32_t error) {
+  switch (error) {
+    case ERROR_PATH_NOT_FOUND:
+      return SE_ERR_PNF;
+    case ERROR_ACCESS_DENIED:
+      return SE_ERR_ACCESSDENIED;
+    default:
+      return SE_ERR_FNF;
+  }
 }
 
 std::string OrBelow(const std::string& folder, const std::string& home, const char* below) {
@@ -128,6 +150,27 @@ Text PosixShell::DoGetTypeName(TextView name) {
   (void)name;
 #endif
   return Fail(ERROR_FILE_NOT_FOUND, Text());
+}
+
+std::intptr_t PosixShell::DoExecute(TextView /*verb*/, TextView file, TextView parameters,
+                                    std::int32_t /*show*/) {
+  const bool isTextViewer = CompareIgnoringCase(file, kTextViewer) == 0;
+  Located located;
+  EntryFacts entry;
+  std::uint32_t error = mContext.Locate(isTextViewer ? WithoutQuotes(parameters) : file, located);
+  if (error == 0) error = mContext.LookAt(located, entry);
+  if (error != 0) return ShellAnswerOf(error);
+  if (!HasDesktopSession()) return SE_ERR_NOASSOC;
+
+  const std::string native = JoinNative(located.drive->mount->point, located.path.relative);
+  std::string type = "text/plain";
+  if (!isTextViewer)
+    error = mContext.Run(located.drive->kind.answers, type, [native](std::string& found) {
+      found = ContentTypeOf(native);
+      return ERROR_SUCCESS;
+    });
+  const bool isStarted = error == 0 && OpenInApplicationFor(type, native);
+  return isStarted ? kStarted : SE_ERR_NOASSOC;
 }
 
 std::vector<Text> PosixShell::DoRecycleBinMarks() {

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
-// The desktop's folders by the public rules for user directories, the places of the trash, and type
-// names from the desktop's own database where it is built in. Never starts anything.
+// The desktop's folders by the public rules for user directories, the places of the trash, type
+// names from the desktop's own database where it is built in, and opening in other programs. A
+// program is started only where a person asked for it.
 #pragma once
 
 #include <string>
@@ -28,6 +29,9 @@ class PosixShell final : public Shell {
   Text DoGetItemPath(std::int32_t csidl) override;
   Text DoGetTempPath() override;
   Text DoGetTypeName(TextView name) override;
+  // The verb and how to show a window are the other program's own business here.
+  std::intptr_t DoExecute(TextView verb, TextView file, TextView parameters,
+                          std::int32_t show) override;
   std::vector<Text> DoRecycleBinMarks() override;
 
   // The drive form of a native folder that need not exist; empty, with the last error set, on

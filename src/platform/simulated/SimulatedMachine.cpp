@@ -171,6 +171,12 @@ void SimulatedMachine::SetShellFolder(std::int32_t csidl, TextView path) {
 void SimulatedMachine::SetTypeName(TextView extension, TextView name) {
   mWorld->typeNames[UpperCaseText(extension)] = name;
 }
+void SimulatedMachine::SetShellAnswer(std::intptr_t answer) {
+  mWorld->shellAnswer = answer;
+}
+const std::vector<StartedProgram>& SimulatedMachine::Started() const {
+  return mWorld->started;
+}
 void SimulatedMachine::SetWaitingEvents(std::uint32_t kinds) {
   mWorld->waitingEvents = kinds;
 }

@@ -16,6 +16,7 @@
 #include "platform/Machine.h"
 #include "platform/simulated/FileContents.h"
 #include "platform/simulated/SimulatedDrive.h"
+#include "platform/simulated/StartedProgram.h"
 
 namespace quillmarsh {
 
@@ -98,6 +99,8 @@ class SimulatedMachine final : public Machine {
   void SetTempPath(TextView path);
   void SetShellFolder(std::int32_t csidl, TextView path);  // empty: there is none
   void SetTypeName(TextView extension, TextView name);     // "txt", "Text Document"
+  void SetShellAnswer(std::intptr_t answer);  // of ShellExecuteW; 32 and below start nothing
+  [[nodiscard]] const std::vector<StartedProgram>& Started() const;
   void SetWaitingEvents(std::uint32_t kinds);
   void SetPlacesWithoutLetter(std::vector<Text> places);
 

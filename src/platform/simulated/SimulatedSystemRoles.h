@@ -17,6 +17,8 @@ class SimulatedShell final : public Shell {
   Text DoGetItemPath(std::int32_t csidl) override;
   Text DoGetTempPath() override;
   Text DoGetTypeName(TextView name) override;
+  std::intptr_t DoExecute(TextView verb, TextView file, TextView parameters,
+                          std::int32_t show) override;
   std::vector<Text> DoRecycleBinMarks() override { return {}; }
   World* mWorld;
 };

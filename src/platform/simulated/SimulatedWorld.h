@@ -11,6 +11,7 @@
 #include "platform/ExecutableFormats.h"
 #include "platform/Machine.h"
 #include "platform/simulated/SimulatedPaths.h"
+#include "platform/simulated/StartedProgram.h"
 
 namespace quillmarsh::simulated {
 
@@ -21,6 +22,11 @@ inline constexpr std::uint32_t FILE_ADD_SUBDIRECTORY = 0x4;
 inline constexpr std::uint32_t FILE_READ_ATTRIBUTES = 0x80;
 inline constexpr std::uint32_t DELETE_ACCESS = 0x10000;
 inline constexpr std::uint32_t READ_CONTROL = 0x20000;
+// Attributes that a file can be given.
+inline constexpr std::uint32_t storableAttributes =
+    FILE_ATTRIBUTE_READONLY | FILE_ATTRIBUTE_HIDDEN | FILE_ATTRIBUTE_SYSTEM |
+    FILE_ATTRIBUTE_ARCHIVE | FILE_ATTRIBUTE_TEMPORARY | FILE_ATTRIBUTE_OFFLINE |
+    FILE_ATTRIBUTE_NOT_CONTENT_INDEXED;
 
 struct OpenFile {
   Node* node = nullptr;
@@ -75,6 +81,8 @@ struct World final : Resolver {
   Text tempPath = u"C:\\Users\\User\\AppData\\Local\\Temp\\";
   std::map<std::int32_t, Text> shellFolders;
   std::map<Text, Text> typeNames;  // by upper-cased extension
+  std::intptr_t shellAnswer = 42;
+  std::vector<StartedProgram> started;
   std::uint32_t waitingEvents = 0;
   std::vector<Text> placesWithoutLetter;
   std::function<Patience*()> patience = [] { return nullptr; };
@@ -93,6 +101,12 @@ struct World final : Resolver {
   // Whether another open handle forbids an open with these rights and this sharing.
   [[nodiscard]] bool SharingForbids(const Node& node, std::uint32_t access,
                                     std::uint32_t share) const;
+  // 0, or the code with which a folder refuses a new entry; the right is FILE_WRITE_DATA or
+  // FILE_ADD_SUBDIRECTORY.
+  [[nodiscard]] std::uint32_t WhyNotAdded(const Node& parent, const Volume& volume,
+                                          std::uint32_t right) const;
+  // A new entry with the times of this moment.
+  Node& AddNow(Node& parent, TextView name, std::uint32_t attributes, bool isFolder);
   // Attributes as the platform tells them: 128 where no other bit is set.
   [[nodiscard]] static std::uint32_t ToldAttributes(const Node& node) {
     return node.attributes == 0 ? FILE_ATTRIBUTE_NORMAL : node.attributes;

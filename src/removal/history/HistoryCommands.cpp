@@ -1,0 +1,56 @@
+// SPDX-License-Identifier: MIT
+// Both ask gHistory where the file lies.
+#include "removal/history/HistoryCommands.h"
+
+#include "frame/ErrorReporting.h"
+#include "frame/TextTable.h"
+#include "frame/Views.h"
+#include "fsobjects/Handles.h"
+#include "fsobjects/cFSXFileSystemObject.h"
+#include "fsobjects/modUnicode.h"
+#include "removal/history/cHistory.h"
+#include "search/results/modDupe.h"
+
+namespace quillmarsh {
+namespace {
+
+// Such a failure names the place, so that a person can see to it by hand.
+void TellOfProblem(TextId message, TextId title, const Text& path) {
+  ShowMessageBox({LoadResString(message) + u"\r\n\r\n" + LoadResString(480) + u": " +
+                      TheMachine().Drives().ShownPath(path),
+                  LoadResString(title), MessageBoxIcon::Exclamation});
+}
+
+bool DeleteHistory(const Text& path) {
+  if (!FSXFileExists(path)) return true;
+  const RedirectionOff redirection;
+  return TheMachine().Disk().DeleteFileW(ToLongPath(path));
+}
+
+}  // namespace
+
+void ViewHistory() {
+  Guarded(u"frmFindDuplicates.ViewHistory", [] {
+    const Text path = gHistory->FileSpec();
+    if (!FSXFileExists(path)) {
+      ShowMessageBox({LoadResString(478), LoadResString(454), MessageBoxIcon::Information});
+      return;
+    }
+    const std::intptr_t answer = TheMachine().Desktop().ShellExecuteW(
+        u"Open", u"notepad.exe", EncloseInQuotes(path), SW_SHOWNORMAL);
+    if (answer <= kLastShellFailure) TellOfProblem(479, 833, path);
+  });
+}
+
+void ClearHistory() {
+  Guarded(u"frmFindDuplicates.ClearHistory", [] {
+    const Text path = gHistory->FileSpec();
+    if (DeleteHistory(path)) {
+      ShowMessageBox({LoadResString(481), LoadResString(482), MessageBoxIcon::Information});
+    } else {
+      TellOfProblem(483, 484, path);
+    }
+  });
+}
+
+}  // namespace quillmarsh
