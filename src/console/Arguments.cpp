@@ -21,6 +21,7 @@ Examples:
       files of the same name and size below either folder
   quillmarsh-cli search --match size,modified --no-ignore hidden --format json ~ > groups.json
   quillmarsh-cli search --include-file '*.jpg' --include-file '*.png' --format null ~/Pictures
+  quillmarsh-cli search --match size,contents --type video ~/Videos /mnt/disk
 
 A folder is walked once, whatever it is called: links to folders are not entered, and other file
 systems below a folder only when they are named themselves.
@@ -42,9 +43,13 @@ const std::map<std::string, OutputFormat> kFormats = {{"text", OutputFormat::Tex
                                                       {"csv", OutputFormat::Csv},
                                                       {"null", OutputFormat::Null}};
 
-std::vector<std::string> FormatNames() {
+const std::map<std::string, std::int32_t> kFileTypes = {
+    {"all", 0}, {"audio", 1}, {"document", 2}, {"image", 3}, {"video", 4}};
+
+template <typename Value>
+std::vector<std::string> NamesOf(const std::map<std::string, Value>& values) {
   std::vector<std::string> names;
-  for (const auto& [name, format] : kFormats) names.push_back(name);
+  for (const auto& [name, value] : values) names.push_back(name);
   return names;
 }
 
@@ -78,6 +83,11 @@ void AddSearchOptions(CLI::App& app, SearchArguments& search) {
       "When files are duplicates: name,size,created,modified,contents (default\nname,size);\n"
       "name or size must be among them");
   app.add_flag("--no-subfolders", search.withoutSubFolders, "Search the named folders only");
+  app.add_option_function<std::string>(
+         "--type", [&search](const std::string& name) { search.fileType = kFileTypes.at(name); },
+         "Only files of a type, by their endings: all (default), audio, document, image,\nvideo")
+      ->check(CLI::IsMember(NamesOf(kFileTypes)).description(""))
+      ->type_name("T");
   AddRepeatable(app, "--include-file", search.includeFiles, "MASK",
                 "Only files whose name matches, such as '*.jpg' or '*.jpg;*.png' (repeatable)");
   AddRepeatable(app, "--exclude-file", search.excludeFiles, "MASK",
@@ -95,7 +105,7 @@ void AddSearchOptions(CLI::App& app, SearchArguments& search) {
   app.add_option_function<std::string>(
          "--format", [&search](const std::string& name) { search.format = kFormats.at(name); },
          "Output: text (default), json, csv, null (paths ended by NUL, groups by an\nextra NUL)")
-      ->check(CLI::IsMember(FormatNames()).description(""))
+      ->check(CLI::IsMember(NamesOf(kFormats)).description(""))
       ->type_name("F");
   auto* quiet = app.add_flag("--quiet", search.isQuiet, "No summary and no progress");
   app.add_flag("--progress", search.showsProgress,
@@ -151,12 +161,17 @@ ParsedCommandLine ParseCommandLine(int argc, const char* const* argv) {
       "search", "Find and list groups of duplicate files; none of them is changed");
   AddSearchOptions(*searchCommand, search);
   searchCommand->footer(kFooter);
+  HistoryArguments history;
+  CLI::App* historyCommand =
+      app.add_subcommand("history", "Show the record of all searches and removals, or clear it");
+  historyCommand->add_flag("--clear", history.clears, "Delete the record for good");
   ParsedCommandLine parsed;
   try {
     std::vector<std::string> arguments = WithPlainFolders(*searchCommand, argc, argv);
     std::reverse(arguments.begin(), arguments.end());  // as the parser wants them
     app.parse(std::move(arguments));
-    parsed.search = std::move(search);
+    if (searchCommand->parsed()) parsed.search = std::move(search);
+    if (historyCommand->parsed()) parsed.history = history;
   } catch (const CLI::ParseError& error) {
     std::ostringstream out;
     std::ostringstream mistakes;

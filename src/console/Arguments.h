@@ -3,6 +3,7 @@
 // typed; what they mean on this machine is found out by the command.
 #pragma once
 
+#include <cstdint>
 #include <optional>
 #include <string>
 #include <vector>
@@ -17,6 +18,7 @@ struct SearchArguments {
   std::vector<std::string> folders;
   std::vector<std::string> match;     // name, size, created, modified, contents
   std::vector<std::string> noIgnore;  // zero, system, hidden, temporary, windows
+  std::int32_t fileType = 0;          // the number of a search file type; 0 is all
   std::vector<std::string> includeFiles;
   std::vector<std::string> excludeFiles;
   std::vector<std::string> includeFolders;
@@ -27,8 +29,14 @@ struct SearchArguments {
   bool showsProgress = false;  // also where standard error is no terminal
 };
 
+struct HistoryArguments {
+  bool clears = false;
+};
+
+// At most one of the commands.
 struct ParsedCommandLine {
   std::optional<SearchArguments> search;
+  std::optional<HistoryArguments> history;
   ExitCode exitCode = ExitCode::Done;  // when there is no command to run
 };
 

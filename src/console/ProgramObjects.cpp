@@ -2,12 +2,15 @@
 // Making and releasing, in one order and its reverse.
 #include "console/ProgramObjects.h"
 
+#include "filetypes/cCommonFileTypes.h"
+#include "filetypes/modCommonFileTypes.h"
 #include "frame/ErrorReporting.h"
 #include "frame/ProgramFlags.h"
 #include "fsobjects/ChecksumLibrary.h"
 #include "fsobjects/cFSXFolderPathsList.h"
 #include "fsobjects/cFileSpecParser.h"
 #include "removal/history/cHistory.h"
+#include "selection/clsMarkForRemovalWizard.h"
 #include "settings/OptionsFolder.h"
 #include "settings/clsDupeSettings.h"
 
@@ -29,11 +32,15 @@ ProgramObjects::ProgramObjects(Machine& machine) : mPump(machine) {
   gAppPath = FolderOfProgram(machine);
   gFolderPathsList = std::make_unique<cFSXFolderPathsList>();
   gDupeSettings = std::make_unique<clsDupeSettings>();
+  gMarkForRemovalWizardOptions = std::make_unique<clsMarkForRemovalWizard>();
   auto log = std::make_unique<ConsoleLog>();
   mLog = log.get();
   gLog = std::move(log);
   gFileSpecParser = std::make_unique<cFileSpecParser>();
   gHistory = std::make_unique<cHistory>();
+  gCommonFileTypes = std::make_unique<cCommonFileTypes>();
+  gCommonFileTypes->SetCommonFileTypesList(GetDefaultCFTList());
+  static_cast<void>(RestoreDefaultFileTypeMasks());
   SetErrorDetailFolder(GetIniFileFolder);
   mIsUsable = Guarded(u"modQuillmarsh.Main", LoadChecksumLibrary);
   gIsWow64 = machine.Process().IsWow64Process();
@@ -44,9 +51,11 @@ ProgramObjects::~ProgramObjects() {
   gLog->AppendInMemoryStringToLogFile();
   FreeChecksumLibrary();
   SetErrorDetailFolder({});
+  gCommonFileTypes.reset();
   gHistory.reset();
   gFileSpecParser.reset();
   gLog.reset();
+  gMarkForRemovalWizardOptions.reset();
   gDupeSettings.reset();
   gFolderPathsList.reset();
   gViews = {};

@@ -7,12 +7,14 @@
 
 #include "console/ResultsWriters.h"
 #include "console/StandardStreams.h"
+#include "filetypes/SearchFileTypeFilters.h"
 #include "frame/ErrorReporting.h"
 #include "frame/ProgramFlags.h"
 #include "fsobjects/modPaths.h"
 #include "platform/Machine.h"
 #include "search/cLocationCheck.h"
 #include "search/cSearchSession.h"
+#include "settings/optionsfile/modIniFile.h"
 
 namespace quillmarsh {
 
@@ -129,10 +131,24 @@ std::optional<std::vector<Text>> ExcludedFoldersFrom(const std::vector<std::stri
   return texts;
 }
 
+// The endings of a file type are the list of included files.
+bool SetFileNames(const SearchArguments& arguments, clsDupeSettings& settings) {
+  settings.SetFileType(arguments.fileType);
+  PopulateIncludeExcludeFiltersBasedOnSearchFileType(arguments.fileType);
+  if (arguments.fileType != 0 && !arguments.includeFiles.empty()) {
+    PrintError("--type and --include-file both choose files by their names; use one of them");
+    return false;
+  }
+  if (arguments.fileType == 0)
+    settings.SetIncludeFiles(ListText(MasksFrom(arguments.includeFiles)));
+  settings.SetExcludeFiles(ListText(MasksFrom(arguments.excludeFiles)));
+  return true;
+}
+
 // False when an argument was refused, which has been told.
 bool SetOptions(const SearchArguments& arguments, clsDupeSettings& settings) {
   const auto excluded = ExcludedFoldersFrom(arguments.excludeFolders);
-  if (!excluded) return false;
+  if (!excluded || !SetFileNames(arguments, settings)) return false;
   settings.SetIncludeSubFolders(!arguments.withoutSubFolders);
   if (!arguments.match.empty()) {
     settings.SetNamesMatch(Has(arguments.match, "name"));
@@ -150,8 +166,6 @@ bool SetOptions(const SearchArguments& arguments, clsDupeSettings& settings) {
   settings.SetIgnoreTemporaryFiles(!Has(kept, "temporary"));
   settings.SetIgnoreTemporaryFolders(!Has(kept, "temporary"));
   settings.SetIgnoreFilesInWindowsDir(!Has(kept, "windows"));
-  settings.SetIncludeFiles(ListText(MasksFrom(arguments.includeFiles)));
-  settings.SetExcludeFiles(ListText(MasksFrom(arguments.excludeFiles)));
   settings.SetIncludeFolders(ListText(FolderTextsFrom(arguments.includeFolders)));
   settings.SetExcludeFolders(ListText(*excluded));
   return true;
@@ -193,6 +207,7 @@ ExitCode RunSearch(const SearchArguments& arguments, ProgramObjects& objects) {
   const bool isAccepted = !locations.empty() && SetOptions(arguments, *gDupeSettings);
   if (ConsolePump::IsStopRequested()) return ExitCode::Stopped;
   if (!isAccepted) return ExitCode::Refused;
+  ReadDupesFolderPathFromIniFile();
 
   const bool isTerminal = TheMachine().Process().IsConsole(StandardStream::Error);
   if (arguments.showsProgress || (isTerminal && !arguments.isQuiet))

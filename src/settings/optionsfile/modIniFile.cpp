@@ -2,18 +2,13 @@
 // The keys stand in tables in the order in which they are written.
 #include "settings/optionsfile/modIniFile.h"
 
-#include <array>
-#include <functional>
-
 #include "base/ValueText.h"
 #include "filetypes/SFT_CFT_Interface.h"
 #include "filetypes/cCommonFileTypes.h"
 #include "filetypes/modCommonFileTypes.h"
 #include "frame/ErrorReporting.h"
 #include "frame/TextTable.h"
-#include "fsobjects/CreateFolderTree.h"
 #include "fsobjects/LocaleFormats.h"
-#include "fsobjects/cFSXFileSystemObject.h"
 #include "fsobjects/modAccessCheck.h"
 #include "fsobjects/modPaths.h"
 #include "platform/Machine.h"
@@ -32,7 +27,6 @@ constexpr TextView kFileName = u"quillmarsh.ini";
 constexpr TextView kOptions = u"Options";
 constexpr TextView kWizardOptions = u"Remove Wizard Options";
 constexpr TextView kFileTypes = u"Search File Types";
-constexpr TextView kDupesFolderName = u"DUPES\\";
 constexpr TextView kTrue = u"True";
 constexpr TextView kFalse = u"False";
 
@@ -49,24 +43,25 @@ struct Property {
 using TextProperty = Property<Settings, const Text&, TextView>;
 using FlagProperty = Property<Settings, bool, bool>;
 
-constexpr TextProperty kFolderPaths{u"FolderPaths", &Settings::FolderPaths,
-                                    &Settings::SetFolderPaths, {}};
-constexpr TextProperty kExcludeFiles{u"ExcludeFiles", &Settings::ExcludeFiles,
-                                     &Settings::SetExcludeFiles, {}};
-constexpr TextProperty kIncludeFiles{u"IncludeFiles", &Settings::IncludeFiles,
-                                     &Settings::SetIncludeFiles, {}};
-constexpr TextProperty kExcludeFolders{u"ExcludeFolders", &Settings::ExcludeFolders,
-                                       &Settings::SetExcludeFolders, {}};
-constexpr TextProperty kIncludeFolders{u"IncludeFolders", &Settings::IncludeFolders,
-                                       &Settings::SetIncludeFolders, {}};
+constexpr TextProperty kFolderPaths{
+    u"FolderPaths", &Settings::FolderPaths, &Settings::SetFolderPaths, {}};
+constexpr TextProperty kExcludeFiles{
+    u"ExcludeFiles", &Settings::ExcludeFiles, &Settings::SetExcludeFiles, {}};
+constexpr TextProperty kIncludeFiles{
+    u"IncludeFiles", &Settings::IncludeFiles, &Settings::SetIncludeFiles, {}};
+constexpr TextProperty kExcludeFolders{
+    u"ExcludeFolders", &Settings::ExcludeFolders, &Settings::SetExcludeFolders, {}};
+constexpr TextProperty kIncludeFolders{
+    u"IncludeFolders", &Settings::IncludeFolders, &Settings::SetIncludeFolders, {}};
 constexpr TextProperty kUserDefinedMoveFolderPath{u"UserDefinedMoveFolderPath",
                                                   &Settings::UserDefinedMoveFolderPath,
-                                                  &Settings::SetUserDefinedMoveFolderPath, {}};
+                                                  &Settings::SetUserDefinedMoveFolderPath,
+                                                  {}};
 constexpr FlagProperty kIncludeSubFolders{u"IncludeSubFolders", &Settings::IncludeSubFolders,
                                           &Settings::SetIncludeSubFolders, kTrue};
-constexpr FlagProperty kMainFormLoadedPreviously{
-    u"MainFormLoadedPreviously", &Settings::MainFormLoadedPreviously,
-    &Settings::SetMainFormLoadedPreviously, kFalse};
+constexpr FlagProperty kMainFormLoadedPreviously{u"MainFormLoadedPreviously",
+                                                 &Settings::MainFormLoadedPreviously,
+                                                 &Settings::SetMainFormLoadedPreviously, kFalse};
 constexpr FlagProperty kRemoveWarningShown{u"RemoveWarningShown", &Settings::RemoveWarningShown,
                                            &Settings::SetRemoveWarningShown, kFalse};
 // The criteria and what is ignored, as they follow one another in the file.
@@ -106,18 +101,19 @@ Text AsStored(TextView value) {
   return isAtRisk ? u"\"" + Text(value) + u"\"" : Text(value);
 }
 
-// One open section of the file; what is written and read is text.
+// One open section of the file; what is written and read is text. A user without a folder for it
+// has no file: everything is as by default, and nothing is kept.
 class Section {
  public:
-  Section() {
-    mFile.SetPath(GetIniFileFolder());
+  Section() : mFolder(GetIniFileFolder()) {
+    mFile.SetPath(mFolder);
     mFile.SetName(GetIniFileName());
   }
   void Begin(TextView name) { mFile.SetSection(name); }
 
   [[nodiscard]] Text Read(TextView key, TextView defaultText = {}) {
     mFile.SetKey(key);
-    return mFile.GetStringValue(defaultText);
+    return mFolder.empty() ? Text(defaultText) : mFile.GetStringValue(defaultText);
   }
   // Only the exact word is true, whatever the default.
   [[nodiscard]] bool ReadFlag(TextView key, TextView defaultText) {
@@ -135,7 +131,7 @@ class Section {
 
   void Write(TextView key, TextView value) {
     mFile.SetKey(key);
-    mFile.SetStringValue(AsStored(value));
+    if (!mFolder.empty()) mFile.SetStringValue(AsStored(value));
   }
   void WriteFlag(TextView key, bool value) { Write(key, value ? kTrue : kFalse); }
   void Write(const Settings& settings, const TextProperty& property) {
@@ -146,20 +142,18 @@ class Section {
   }
   // What the file holds must be able to hold any path.
   void MakeUtf16() {
-    if (!mFile.IsUTF16()) static_cast<void>(mFile.ConvertToUTF16());
+    if (!mFolder.empty() && !mFile.IsUTF16()) static_cast<void>(mFile.ConvertToUTF16());
   }
 
  private:
+  const Text mFolder;
   CIniFile mFile;
 };
 
+// The accessor makes the folder, and decides where it lies when the file does not say.
 void ReadDupesFolderPath(Section& section) {
-  const Text stored = section.Read(u"DUPESFolderPath");
-  mDupesFolderPath = stored.empty() ? GetIniFileFolder() + Text(kDupesFolderName)
-                                    : AddBackslash(stored);
-  std::uint32_t errorNumber = 0;
-  if (!cFSXFileSystemObject().FolderExists(mDupesFolderPath, false))
-    static_cast<void>(CreateFolderTree(mDupesFolderPath, errorNumber));
+  mDupesFolderPath = AddBackslash(section.Read(u"DUPESFolderPath"));
+  static_cast<void>(GetDupesFolderPath());
 }
 
 void ReadRemovalMethod(Section& section, Settings& settings) {

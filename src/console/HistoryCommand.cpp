@@ -1,0 +1,48 @@
+// SPDX-License-Identifier: MIT
+// The file is UTF-16 with CR LF; what goes out is UTF-8 with line feeds.
+#include "console/HistoryCommand.h"
+
+#include "console/StandardStreams.h"
+#include "frame/ErrorReporting.h"
+#include "frame/TextTable.h"
+#include "fsobjects/modUnicode.h"
+#include "platform/Machine.h"
+#include "removal/history/HistoryCommands.h"
+#include "removal/history/cHistory.h"
+#include "removal/history/cLog.h"
+
+namespace quillmarsh {
+
+namespace {
+
+bool IsThere(const Text& path) {
+  return TheMachine().Files().GetFileAttributesW(ToLongPath(path)) != INVALID_FILE_ATTRIBUTES;
+}
+
+ExitCode Clear(const Text& path) {
+  ClearHistory();
+  return IsThere(path) ? ExitCode::Refused : ExitCode::Done;
+}
+
+}  // namespace
+
+ExitCode RunHistory(const HistoryArguments& arguments) {
+  const Text path = gHistory->FileSpec();
+  if (arguments.clears) return Clear(path);
+  if (!IsThere(path)) {
+    PrintError(ToUtf8(LoadResString(478)));
+    return ExitCode::Done;
+  }
+  Text text = gLog->GetLogEntriesFromFile();
+  if (text.empty()) {
+    PrintError("cannot read \"" + ToUtf8(TheMachine().Drives().ShownPath(path)) + "\"");
+    return ExitCode::Refused;
+  }
+  if (text.front() == u'\uFEFF') text.erase(0, 1);
+  std::erase(text, u'\r');
+  StandardOutput output;
+  output.Write(ToUtf8(text));
+  return output.Finish() ? ExitCode::Done : ExitCode::Refused;
+}
+
+}  // namespace quillmarsh
