@@ -69,6 +69,14 @@ void PatientWorker::Work(const std::shared_ptr<Shared>& shared) {
 }
 
 bool PatientWorker::Run(std::function<void()> job) {
+  return RunOnThread(std::move(job), GivingUp::Allowed);
+}
+
+bool PatientWorker::RunToItsEnd(const std::function<void()>& job) {
+  return RunOnThread(job, GivingUp::Never);
+}
+
+bool PatientWorker::RunOnThread(std::function<void()> job, GivingUp givingUp) {
   if (mShared == nullptr) {
     mShared = std::make_shared<Shared>();
     mThread = std::thread([shared = mShared] { Work(shared); });
@@ -85,7 +93,7 @@ bool PatientWorker::Run(std::function<void()> job) {
     lock.unlock();
     Patience* const patience = mPatience ? mPatience() : nullptr;
     const bool keep = patience == nullptr || patience->KeepWaiting();
-    if (!keep) {
+    if (!keep && givingUp == GivingUp::Allowed) {
       LetGo();
       return false;
     }

@@ -21,8 +21,13 @@ class PatientWorker {
 
   // False when it was given up; the job may still end some day.
   [[nodiscard]] bool Run(std::function<void()> job);
+  // Asks the patience as well, so that the program stays alive, but waits for the end whatever it
+  // answers. False when the helper was busy and the job has not been run.
+  [[nodiscard]] bool RunToItsEnd(const std::function<void()>& job);
 
  private:
+  enum class GivingUp { Allowed, Never };
+  bool RunOnThread(std::function<void()> job, GivingUp givingUp);
   struct Shared;
   static void Work(const std::shared_ptr<Shared>& shared);
   void LetGo();

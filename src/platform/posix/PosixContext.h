@@ -62,6 +62,17 @@ class PosixContext {
     return outcome->code;
   }
 
+  // The same for what takes its time also where the file system answers: always on the helper, so
+  // that the program stays alive meanwhile, but there it is never given up.
+  template <typename Result, typename Job>
+  [[nodiscard]] std::uint32_t RunLong(bool answers, Result& result, Job job) {
+    if (!answers) return Run(false, result, std::move(job));
+    std::uint32_t code = 0;
+    const auto work = [&] { code = job(result); };
+    if (!worker.RunToItsEnd(work)) work();
+    return code;
+  }
+
   // The facts of the entry itself (a link to a folder is told as such). Devices, FIFOs and sockets
   // answer 5.
   [[nodiscard]] std::uint32_t LookAt(const Located& located, EntryFacts& entry);

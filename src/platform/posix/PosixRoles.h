@@ -12,6 +12,7 @@
 #include "platform/Modules.h"
 #include "platform/QueueAndMailbox.h"
 #include "platform/VersionResources.h"
+#include "platform/posix/FileCopying.h"
 #include "platform/posix/PosixContext.h"
 #include "platform/posix/ZoneRules.h"
 
@@ -22,7 +23,13 @@ class PosixDisk final : public DiskChange {
   PosixDisk(CallState& state, PosixContext& context) : DiskChange(state), mContext(context) {}
 
  private:
+  bool DoDeleteFile(TextView path) override;
+  bool DoMoveFile(TextView existing, TextView newPath, std::uint32_t flags) override;
+  bool DoCopyFile(TextView existing, TextView newPath, bool failIfExists) override;
   bool DoCreateDirectory(TextView path) override;
+
+  using CopyOperation = std::uint32_t(const PathResolver&, const CopyRequest&, const GivenUp&);
+  bool RunCopy(const CopyRequest& request, CopyOperation* operation);
   PosixContext& mContext;
 };
 

@@ -234,6 +234,17 @@ void Disk::SetContents(Node& node, const FileContents& contents) {
   extra.changedByte = contents.ChangedPosition();
 }
 
+void Disk::CopyContents(const Node& from, Node& to) {
+  to.size = from.size;
+  to.seed = from.seed;
+  if (!from.extra && !to.extra) return;
+  NodeExtra& extra = to.Extra();
+  extra.hasBytes = from.extra && from.extra->hasBytes;
+  extra.bytes = from.extra ? from.extra->bytes : std::string();
+  extra.changedByte = from.extra ? from.extra->changedByte : std::nullopt;
+  extra.compressedSize.reset();
+}
+
 std::size_t Disk::Read(const Node& node, std::uint64_t offset, std::span<std::byte> bytes) const {
   if (offset >= node.size) return 0;
   const auto count =

@@ -110,6 +110,8 @@ class Disk {
   void Move(Node& node, Node& newParent, TextView newName);
 
   void SetContents(Node& node, const FileContents& contents);
+  // Gives one file the contents of another.
+  void CopyContents(const Node& from, Node& to);
   // Bytes copied; less than asked for at the end of the file.
   [[nodiscard]] std::size_t Read(const Node& node, std::uint64_t offset,
                                  std::span<std::byte> bytes) const;

@@ -16,10 +16,6 @@ constexpr std::uint32_t FILE_FLAG_OPEN_REPARSE_POINT = 0x00200000;
 constexpr std::uint32_t ERROR_NEGATIVE_SEEK = 131;
 constexpr std::uint32_t GENERIC_EXECUTE = 0x20000000;
 constexpr std::uint32_t GENERIC_ALL = 0x10000000;
-constexpr std::uint32_t storableAttributes = FILE_ATTRIBUTE_READONLY | FILE_ATTRIBUTE_HIDDEN |
-                                             FILE_ATTRIBUTE_SYSTEM | FILE_ATTRIBUTE_ARCHIVE |
-                                             FILE_ATTRIBUTE_TEMPORARY | FILE_ATTRIBUTE_OFFLINE |
-                                             FILE_ATTRIBUTE_NOT_CONTENT_INDEXED;
 
 std::uint32_t SpecificRights(std::uint32_t access) {
   return MapGenericMask(
@@ -58,19 +54,6 @@ std::uint32_t WhyNotOpened(const World& world, const Resolved& place, std::uint3
   return world.SharingForbids(node, used, share) ? ERROR_SHARING_VIOLATION : ERROR_SUCCESS;
 }
 
-// 0, or the code with which a folder refuses a new entry.
-std::uint32_t WhyNotAdded(const World& world, const Node& parent, const Volume& volume,
-                          std::uint32_t right) {
-  if (volume.facts.readOnly) return ERROR_WRITE_PROTECT;
-  return world.Grants(parent, right) ? ERROR_SUCCESS : ERROR_ACCESS_DENIED;
-}
-
-Node& AddNow(World& world, Node& parent, TextView name, std::uint32_t attributes, bool isFolder) {
-  parent.written = world.clock;
-  return world.disk.AddChild(parent, name, {attributes, world.clock, world.clock, world.clock},
-                             isFolder);
-}
-
 }  // namespace
 
 HANDLE SimulatedFiles::DoCreateFile(TextView path, std::uint32_t access, std::uint32_t share,
@@ -97,10 +80,10 @@ HANDLE SimulatedFiles::DoCreateFile(TextView path, std::uint32_t access, std::ui
     if (!canBeMade || !MakesMissing(disposition)) return Fail(place.error, INVALID_HANDLE);
     if (parsed.endsInBackslash) return Fail(ERROR_INVALID_NAME, INVALID_HANDLE);
     const std::uint32_t refusal =
-        WhyNotAdded(*mWorld, *place.parent, *place.volume, FILE_WRITE_DATA);
+        mWorld->WhyNotAdded(*place.parent, *place.volume, FILE_WRITE_DATA);
     if (refusal != 0) return Fail(refusal, INVALID_HANDLE);
-    place.node = &AddNow(*mWorld, *place.parent, parsed.components.back(),
-                         (flags & storableAttributes) | FILE_ATTRIBUTE_ARCHIVE, false);
+    place.node = &mWorld->AddNow(*place.parent, parsed.components.back(),
+                                 (flags & storableAttributes) | FILE_ATTRIBUTE_ARCHIVE, false);
   }
   const HANDLE handle = mWorld->NewHandle();
   mWorld->files[handle] = {place.node, place.volume, rights, share, 0, false};
@@ -277,9 +260,9 @@ bool SimulatedDiskChange::DoCreateDirectory(TextView path) {
   if (place.error != ERROR_FILE_NOT_FOUND || place.parent == nullptr)
     return Fail(place.error, false);
   const std::uint32_t refusal =
-      WhyNotAdded(*mWorld, *place.parent, *place.volume, FILE_ADD_SUBDIRECTORY);
+      mWorld->WhyNotAdded(*place.parent, *place.volume, FILE_ADD_SUBDIRECTORY);
   if (refusal != 0) return Fail(refusal, false);
-  AddNow(*mWorld, *place.parent, parsed.components.back(), FILE_ATTRIBUTE_DIRECTORY, true);
+  mWorld->AddNow(*place.parent, parsed.components.back(), FILE_ATTRIBUTE_DIRECTORY, true);
   return true;
 }
 

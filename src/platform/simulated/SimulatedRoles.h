@@ -55,6 +55,9 @@ class SimulatedDiskChange final : public DiskChange {
   SimulatedDiskChange(CallState& state, World& world) : DiskChange(state), mWorld(&world) {}
 
  private:
+  bool DoDeleteFile(TextView path) override;
+  bool DoMoveFile(TextView existing, TextView newPath, std::uint32_t flags) override;
+  bool DoCopyFile(TextView existing, TextView newPath, bool failIfExists) override;
   bool DoCreateDirectory(TextView path) override;
   World* mWorld;
 };

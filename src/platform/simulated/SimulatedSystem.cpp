@@ -105,6 +105,17 @@ bool World::SharingForbids(const Node& node, std::uint32_t access, std::uint32_t
   });
 }
 
+std::uint32_t World::WhyNotAdded(const Node& parent, const Volume& volume,
+                                 std::uint32_t right) const {
+  if (volume.facts.readOnly) return ERROR_WRITE_PROTECT;
+  return Grants(parent, right) ? ERROR_SUCCESS : ERROR_ACCESS_DENIED;
+}
+
+Node& World::AddNow(Node& parent, TextView name, std::uint32_t attributes, bool isFolder) {
+  parent.written = clock;
+  return disk.AddChild(parent, name, {attributes, clock, clock, clock}, isFolder);
+}
+
 Text SimulatedShell::DoGetFolder(std::int32_t csidl) {
   const auto found = mWorld->shellFolders.find(csidl);
   return found == mWorld->shellFolders.end() ? Fail(ERROR_FILE_NOT_FOUND, Text()) : found->second;

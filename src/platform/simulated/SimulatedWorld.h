@@ -20,6 +20,11 @@ inline constexpr std::uint32_t FILE_ADD_SUBDIRECTORY = 0x4;
 inline constexpr std::uint32_t FILE_READ_ATTRIBUTES = 0x80;
 inline constexpr std::uint32_t DELETE_ACCESS = 0x10000;
 inline constexpr std::uint32_t READ_CONTROL = 0x20000;
+// Attributes that a file can be given.
+inline constexpr std::uint32_t storableAttributes =
+    FILE_ATTRIBUTE_READONLY | FILE_ATTRIBUTE_HIDDEN | FILE_ATTRIBUTE_SYSTEM |
+    FILE_ATTRIBUTE_ARCHIVE | FILE_ATTRIBUTE_TEMPORARY | FILE_ATTRIBUTE_OFFLINE |
+    FILE_ATTRIBUTE_NOT_CONTENT_INDEXED;
 
 struct OpenFile {
   Node* node = nullptr;
@@ -84,6 +89,12 @@ struct World final : Resolver {
   // Whether another open handle forbids an open with these rights and this sharing.
   [[nodiscard]] bool SharingForbids(const Node& node, std::uint32_t access,
                                     std::uint32_t share) const;
+  // 0, or the code with which a folder refuses a new entry; the right is FILE_WRITE_DATA or
+  // FILE_ADD_SUBDIRECTORY.
+  [[nodiscard]] std::uint32_t WhyNotAdded(const Node& parent, const Volume& volume,
+                                          std::uint32_t right) const;
+  // A new entry with the times of this moment.
+  Node& AddNow(Node& parent, TextView name, std::uint32_t attributes, bool isFolder);
   // Attributes as the platform tells them: 128 where no other bit is set.
   [[nodiscard]] static std::uint32_t ToldAttributes(const Node& node) {
     return node.attributes == 0 ? FILE_ATTRIBUTE_NORMAL : node.attributes;

@@ -1,0 +1,174 @@
+// SPDX-License-Identifier: MIT
+// Renaming without replacing: by the kernel, else by a second link, else onto an entry that was
+// made exclusively to keep the name.
+#include "platform/posix/FolderEntry.h"
+
+#include <dirent.h>
+#include <fcntl.h>
+#include <linux/fs.h>
+#include <sys/ioctl.h>
+#include <sys/stat.h>
+#include <sys/syscall.h>
+#include <unistd.h>
+
+#include <cerrno>
+
+#include "platform/posix/ErrnoCodes.h"
+
+namespace quillmarsh {
+namespace {
+
+// Whether an entry can be seen to be there.
+bool IsThere(int folder, const std::string& name) {
+  struct statx facts {};
+  return ::statx(folder, name.c_str(), FactsOfEntryItself, STATX_TYPE, &facts) == 0;
+}
+
+int ErrnoOf(int outcome) {
+  return outcome == 0 ? 0 : errno;
+}
+
+UniqueFd OpenToRead(int folder) {
+  return UniqueFd(::openat(folder, ".", O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+}
+
+// The error codes of a file system that has no hard links, or has none for this file.
+bool CannotLink(int error) {
+  return error == EPERM || error == EOPNOTSUPP || error == ENOSYS || error == EMLINK ||
+         error == EACCES || error == EINVAL;
+}
+
+}  // namespace
+
+bool FolderEntry::IsFolder() const {
+  return entry.kind == EntryKind::Folder || entry.kind == EntryKind::FolderLink ||
+         entry.kind == EntryKind::MountRoot;
+}
+
+bool FolderEntry::IsReadOnly() const {
+  return entry.kind == EntryKind::File && (entry.facts.stx_mode & S_IWUSR) == 0;
+}
+
+bool FolderEntry::IsSameFileAs(const FolderEntry& other) const {
+  const struct statx& a = entry.facts;
+  const struct statx& b = other.entry.facts;
+  return a.stx_ino == b.stx_ino && a.stx_dev_major == b.stx_dev_major &&
+         a.stx_dev_minor == b.stx_dev_minor;
+}
+
+std::uint32_t WhyNotReplaced(const FolderEntry& place, Replacement replacement) {
+  const bool isLoose = !place.IsFolder() && place.entry.kind != EntryKind::Other;
+  const bool mayGo = replacement == Replacement::File && isLoose && !place.IsReadOnly();
+  return mayGo ? ERROR_SUCCESS : ERROR_ACCESS_DENIED;
+}
+
+std::uint32_t OpenEntry(const PathResolver& resolver, const Located& located, FolderEntry& place) {
+  if (const std::uint32_t error = OpenParent(resolver, located, place.folder)) return error;
+  place.name = located.path.Name();
+  return LookAgain(resolver, located, place);
+}
+
+std::uint32_t LookAgain(const PathResolver& resolver, const Located& located, FolderEntry& place) {
+  struct statx& facts = place.entry.facts;
+  const int folder = place.folder.Get();
+  if (::statx(folder, place.name.c_str(), FactsOfEntryItself, FactsWanted, &facts) != 0) {
+    place.exists = false;
+    return errno == ENOENT ? ERROR_SUCCESS : SystemErrorFromErrno(errno);
+  }
+  place.exists = true;
+  place.entry.kind = KindOf(facts);
+  const bool carefully = located.table->mounts.HasAutomounts();
+  if (place.entry.kind == EntryKind::FileLink &&
+      resolver.LinkLeadsToFolder(folder, place.name.c_str(), carefully))
+    place.entry.kind = EntryKind::FolderLink;
+  return ERROR_SUCCESS;
+}
+
+int RenameByLink(const FolderEntry& source, const FolderEntry& target) {
+  if (::linkat(source.folder.Get(), source.name.c_str(), target.folder.Get(), target.name.c_str(),
+               0) != 0)
+    return errno;
+  if (::unlinkat(source.folder.Get(), source.name.c_str(), 0) == 0) return 0;
+  const int error = errno;
+  // A server may have done it and lost the answer. The second link goes only while the first one is
+  // there for sure.
+  if (!IsThere(source.folder.Get(), source.name)) return 0;
+  ::unlinkat(target.folder.Get(), target.name.c_str(), 0);
+  return error;
+}
+
+// An empty entry, made exclusively, keeps the name until the rename replaces it.
+int RenameOntoReservedName(const FolderEntry& source, const FolderEntry& target) {
+  const int folder = target.folder.Get();
+  const char* const name = target.name.c_str();
+  const bool isFolder = S_ISDIR(source.entry.facts.stx_mode);
+  UniqueFd reserved;  // held open, so that its number is not given to another entry
+  if (isFolder) {
+    if (::mkdirat(folder, name, 0700) != 0) return errno;
+    reserved.Reset(::openat(folder, name, O_PATH | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC));
+  } else {
+    reserved.Reset(
+        ::openat(folder, name, O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, 0600));
+    if (!reserved) return errno;
+  }
+  if (::renameat(source.folder.Get(), source.name.c_str(), folder, name) == 0) return 0;
+  const int error = errno;
+  struct stat own {};
+  struct stat there {};
+  const bool isReserved = reserved && ::fstat(reserved.Get(), &own) == 0 &&
+                          ::fstatat(folder, name, &there, AT_SYMLINK_NOFOLLOW) == 0 &&
+                          own.st_ino == there.st_ino && own.st_dev == there.st_dev;
+  // A server may have done it and lost the answer: only the entry made here goes again, while it is
+  // empty.
+  if (isReserved && (isFolder || own.st_size == 0))
+    ::unlinkat(folder, name, isFolder ? AT_REMOVEDIR : 0);
+  return isReserved || IsThere(source.folder.Get(), source.name) ? error : 0;
+}
+
+int RenameToFreeName(const FolderEntry& source, const FolderEntry& target) {
+  if (::syscall(SYS_renameat2, source.folder.Get(), source.name.c_str(), target.folder.Get(),
+                target.name.c_str(), RENAME_NOREPLACE) == 0)
+    return 0;
+  if (errno != EINVAL && errno != ENOSYS && errno != EOPNOTSUPP) return errno;
+  if (!S_ISDIR(source.entry.facts.stx_mode)) {
+    const int error = RenameByLink(source, target);
+    if (!CannotLink(error)) return error;
+  }
+  return RenameOntoReservedName(source, target);
+}
+
+int RenameReplacing(const FolderEntry& source, const FolderEntry& target) {
+  return ErrnoOf(::renameat(source.folder.Get(), source.name.c_str(), target.folder.Get(),
+                            target.name.c_str()));
+}
+
+bool IsListed(int folder, const std::string& name) {
+  const UniqueFd readable = OpenToRead(folder);
+  const int own = readable ? ::fcntl(readable.Get(), F_DUPFD_CLOEXEC, 0) : -1;
+  const std::unique_ptr<DIR, int (*)(DIR*)> listing(own < 0 ? nullptr : ::fdopendir(own),
+                                                    &::closedir);
+  while (const dirent* const entry = listing ? ::readdir(listing.get()) : nullptr)
+    if (name == entry->d_name) return true;
+  return false;
+}
+
+bool IsOtherSpelling(const Located& located, const FolderEntry& place) {
+  // What other systems and helper programs serve may fold case without saying so.
+  bool mayFold = located.drive->kind.foldsCase || !located.drive->kind.answers;
+  if (!mayFold) {
+    const UniqueFd readable = OpenToRead(place.folder.Get());
+    int flags = 0;
+    mayFold = readable && ::ioctl(readable.Get(), FS_IOC_GETFLAGS, &flags) == 0 &&
+              (flags & FS_CASEFOLD_FL) != 0;
+  }
+  return mayFold && !IsListed(place.folder.Get(), place.name);
+}
+
+int SyncFolder(int folder) {
+  const UniqueFd readable = OpenToRead(folder);
+  if (!readable) return errno == EACCES ? 0 : errno;
+  if (::fsync(readable.Get()) == 0) return 0;
+  return errno == EINVAL || errno == ENOSYS || errno == EOPNOTSUPP || errno == EROFS ? 0 : errno;
+}
+
+}  // namespace quillmarsh
