@@ -19,6 +19,7 @@ struct ConformanceRow {
 
 [[nodiscard]] std::span<const ConformanceRow> FindingRows();
 [[nodiscard]] std::span<const ConformanceRow> FileRows();
+[[nodiscard]] std::span<const ConformanceRow> ChangeRows();
 [[nodiscard]] std::span<const ConformanceRow> VolumeRows();
 
 }  // namespace quillmarsh

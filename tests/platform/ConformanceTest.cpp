@@ -12,7 +12,7 @@ using Case = std::tuple<MachineKind, ConformanceRow>;
 
 std::vector<ConformanceRow> AllRows() {
   std::vector<ConformanceRow> rows;
-  for (const auto table : {FindingRows(), FileRows(), VolumeRows()})
+  for (const auto table : {FindingRows(), FileRows(), ChangeRows(), VolumeRows()})
     rows.insert(rows.end(), table.begin(), table.end());
   return rows;
 }

@@ -8,6 +8,7 @@
 #include <algorithm>
 #include <cstdlib>
 #include <random>
+#include <utility>
 
 #include "platform/MachineUnderTest.h"
 
@@ -42,10 +43,14 @@ struct Step {
     FindOne,
     Attributes,
     SetReadOnly,
-    Remove
+    Remove,
+    Delete,
+    Move,
+    Copy
   };
   Kind kind;
   Text path;  // relative to the ground
+  Text newPath;
   std::size_t slot;
   std::uint32_t access, disposition, method;
   std::int64_t distance;
@@ -53,9 +58,9 @@ struct Step {
   bool flag;
 };
 
-constexpr const char* kindNames[] = {"MakeFolder", "Open",        "Close", "Read", "Write",
-                                     "Seek",       "SetEnd",      "Facts", "List", "FindOne",
-                                     "Attributes", "SetReadOnly", "Remove"};
+constexpr const char* kindNames[] = {
+    "MakeFolder", "Open",    "Close",      "Read",        "Write",  "Seek",   "SetEnd", "Facts",
+    "List",       "FindOne", "Attributes", "SetReadOnly", "Remove", "Delete", "Move",   "Copy"};
 
 class Drawer {
  public:
@@ -73,10 +78,14 @@ class Drawer {
         Step::Kind::Seek,       Step::Kind::Seek,        Step::Kind::SetEnd,
         Step::Kind::Facts,      Step::Kind::Close,       Step::Kind::List,
         Step::Kind::List,       Step::Kind::FindOne,     Step::Kind::FindOne,
-        Step::Kind::Attributes, Step::Kind::SetReadOnly, Step::Kind::Remove};
+        Step::Kind::Attributes, Step::Kind::SetReadOnly, Step::Kind::Remove,
+        Step::Kind::Delete,     Step::Kind::Delete,      Step::Kind::Move,
+        Step::Kind::Move,       Step::Kind::Move,        Step::Kind::Move,
+        Step::Kind::Copy,       Step::Kind::Copy,        Step::Kind::Copy};
     Step step;
     step.kind = kinds[Below(static_cast<int>(std::size(kinds)))];
     step.path = Path();
+    step.newPath = Path();
     // What a final backslash behind the name of a file means is each system's own affair.
     const bool isOfFolders = step.kind == Step::Kind::MakeFolder || step.kind == Step::Kind::List ||
                              step.kind == Step::Kind::FindOne;
@@ -112,9 +121,9 @@ class Drawer {
 
 std::string Describe(const Step& step) {
   return std::string(kindNames[static_cast<std::size_t>(step.kind)]) + " '" + ToUtf8(step.path) +
-         "' slot " + std::to_string(step.slot) + " access " + std::to_string(step.access) +
-         " disposition " + std::to_string(step.disposition) + " distance " +
-         std::to_string(step.distance) + " method " + std::to_string(step.method);
+         "' to '" + ToUtf8(step.newPath) + "' slot " + std::to_string(step.slot) + " access " +
+         std::to_string(step.access) + " disposition " + std::to_string(step.disposition) +
+         " distance " + std::to_string(step.distance) + " method " + std::to_string(step.method);
 }
 
 // One machine that carries out operations and tells what came of each as a text.
@@ -123,10 +132,7 @@ class Player {
   explicit Player(std::unique_ptr<MachineUnderTest> ground) : mGround(std::move(ground)) {
     std::fill(std::begin(mHandles), std::end(mHandles), INVALID_HANDLE);
   }
-  ~Player() {
-    for (const HANDLE handle : mHandles)
-      if (handle != INVALID_HANDLE) Files().CloseHandle(handle);
-  }
+  ~Player() { CloseAll(); }
   Player(const Player&) = delete;
   Player& operator=(const Player&) = delete;
 
@@ -168,11 +174,26 @@ class Player {
       case Step::Kind::SetReadOnly:
       case Step::Kind::Remove:
         return ChangeFromOutside(path, step);
+      case Step::Kind::Delete:
+        return Code(The(), The().Disk().DeleteFileW(path));
+      case Step::Kind::Move: {
+        CloseAll();
+        // What happens to a file that is open is each system's own affair.
+        const std::uint32_t flags = step.method;  // none, replace, copy allowed, both
+        return Code(The(), The().Disk().MoveFileExW(path, mGround->PathOf(step.newPath), flags));
+      }
+      case Step::Kind::Copy:
+        CloseAll();
+        return Code(The(), The().Disk().CopyFileW(path, mGround->PathOf(step.newPath), step.flag));
     }
     return {};
   }
 
  private:
+  void CloseAll() {
+    for (HANDLE& handle : mHandles)
+      if (handle != INVALID_HANDLE) Files().CloseHandle(std::exchange(handle, INVALID_HANDLE));
+  }
   Machine& The() { return mGround->Get(); }
   FileInputOutput& Files() { return mGround->Get().Files(); }
 

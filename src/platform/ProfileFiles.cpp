@@ -1,0 +1,131 @@
+// SPDX-License-Identifier: MIT
+// Between the profile calls and the text of a file.
+#include "platform/ProfileFiles.h"
+
+#include <algorithm>
+
+#include "platform/AtomicFiles.h"
+#include "platform/ProfileText.h"
+
+namespace quillmarsh {
+namespace {
+
+constexpr std::uint32_t kShareAll = FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE;
+
+// Empty, with the last error set, where a bare name has no folder to lie in.
+Text PathOfProfile(Machine& machine, TextView fileName) {
+  if (fileName.find_first_of(u"\\/:") != TextView::npos) return Text(fileName);
+  Text folder = machine.Desktop().SHGetFolderPathW(CSIDL_WINDOWS);
+  if (folder.empty()) return folder;
+  if (!folder.ends_with(u'\\')) folder += u'\\';
+  return folder.append(fileName);
+}
+
+bool ReadProfile(Machine& machine, TextView fileName, std::string& bytes) {
+  if (fileName.empty()) {
+    machine.SetLastError(ERROR_FILE_NOT_FOUND);
+    return false;
+  }
+  const Text path = PathOfProfile(machine, fileName);
+  return !path.empty() && ReadFileContents(machine, path, kShareAll, bytes);
+}
+
+TextView WithoutQuotes(TextView value) {
+  const bool isQuoted = value.size() >= 2 && value.front() == value.back() &&
+                        (value.front() == u'"' || value.front() == u'\'');
+  return isQuoted ? value.substr(1, value.size() - 2) : value;
+}
+
+TextView WithoutTrailingBlanks(TextView text) {
+  while (text.ends_with(u' ')) text.remove_suffix(1);
+  return text;
+}
+
+enum class IfMissing { Make, Leave };
+
+// Reads the file, lets the change work on its text, and writes what came of it.
+template <typename Change>
+bool ChangeProfile(Machine& machine, TextView fileName, IfMissing ifMissing, Change&& change) {
+  if (fileName.empty()) {
+    machine.SetLastError(ERROR_ACCESS_DENIED);
+    return false;
+  }
+  const Text path = PathOfProfile(machine, fileName);
+  if (path.empty()) return false;
+  std::string bytes;
+  bool exists = true;
+  if (!ReadFileContents(machine, path, kShareAll, bytes)) {
+    // Nothing but this may be taken for an empty file: the rest of it would be lost.
+    if (machine.GetLastError() != ERROR_FILE_NOT_FOUND) return false;
+    if (ifMissing == IfMissing::Leave) return true;
+    exists = false;
+  }
+  ProfileText text(bytes);
+  change(text);
+  const std::string changed = text.Bytes();
+  return (exists && changed == bytes) || ReplaceFileContents(machine, path, changed);
+}
+
+std::int32_t NumberAtStart(TextView text) {
+  const bool isNegative = text.starts_with(u'-');
+  if (isNegative || text.starts_with(u'+')) text.remove_prefix(1);
+  const bool isHexadecimal = text.starts_with(u"0x") || text.starts_with(u"0X");
+  if (isHexadecimal) text.remove_prefix(2);
+  const std::uint32_t base = isHexadecimal ? 16 : 10;
+  std::uint32_t number = 0;
+  for (const char16_t unit : text) {
+    const TextView digits = u"0123456789abcdefABCDEF";
+    const std::size_t place = digits.find(unit);
+    const auto digit = static_cast<std::uint32_t>(place > 15 ? place - 6 : place);
+    if (place == TextView::npos || digit >= base) break;
+    number = number * base + digit;
+  }
+  return static_cast<std::int32_t>(isNegative ? 0U - number : number);
+}
+
+}  // namespace
+
+std::uint32_t GetPrivateProfileStringW(Machine& machine, TextView section, TextView key,
+                                       TextView defaultText, std::span<char16_t> buffer,
+                                       TextView fileName) {
+  if (buffer.empty()) return 0;
+  std::string bytes;
+  if (!ReadProfile(machine, fileName, bytes)) bytes.clear();
+  const ProfileText text(bytes);
+  const auto found = text.Find(section, key);
+  const TextView value = found ? WithoutQuotes(*found) : WithoutTrailingBlanks(defaultText);
+  const std::size_t count = std::min(value.size(), buffer.size() - 1);
+  value.copy(buffer.data(), count);
+  buffer[count] = u'\0';
+  return static_cast<std::uint32_t>(count);
+}
+
+std::int32_t GetPrivateProfileIntW(Machine& machine, TextView section, TextView key,
+                                   std::int32_t defaultValue, TextView fileName) {
+  std::string bytes;
+  if (!ReadProfile(machine, fileName, bytes)) return defaultValue;
+  const ProfileText text(bytes);
+  const TextView value = WithoutQuotes(text.Find(section, key).value_or(TextView()));
+  return value.empty() ? defaultValue : NumberAtStart(value);
+}
+
+bool WritePrivateProfileStringW(Machine& machine, TextView section, std::optional<TextView> key,
+                                std::optional<TextView> value, TextView fileName) {
+  const IfMissing ifMissing = key && value ? IfMissing::Make : IfMissing::Leave;
+  return ChangeProfile(machine, fileName, ifMissing, [&](ProfileText& text) {
+    if (!key)
+      text.RemoveSection(section);
+    else if (!value)
+      text.RemoveKey(section, *key);
+    else
+      text.SetKey(section, *key, *value);
+  });
+}
+
+bool WritePrivateProfileSectionW(Machine& machine, TextView section, TextView entries,
+                                 TextView fileName) {
+  return ChangeProfile(machine, fileName, IfMissing::Make,
+                       [&](ProfileText& text) { text.SetSection(section, entries); });
+}
+
+}  // namespace quillmarsh

@@ -1,0 +1,266 @@
+// SPDX-License-Identifier: MIT
+// Rows on deleting, moving and copying files.
+#include <algorithm>
+
+#include "platform/AtomicFiles.h"
+#include "platform/ConformanceRows.h"
+
+namespace quillmarsh {
+
+namespace {
+
+constexpr std::uint32_t replace = MOVEFILE_REPLACE_EXISTING;
+constexpr std::uint32_t removalFlags = MOVEFILE_REPLACE_EXISTING | MOVEFILE_COPY_ALLOWED;
+
+// Each answers 0 or the code of the failure.
+std::uint32_t Delete(MachineUnderTest& ground, TextView relative) {
+  return ground.Get().Disk().DeleteFileW(ground.PathOf(relative)) ? 0 : ground.Get().GetLastError();
+}
+std::uint32_t Move(MachineUnderTest& ground, TextView from, TextView to, std::uint32_t flags = 0) {
+  return ground.Get().Disk().MoveFileExW(ground.PathOf(from), ground.PathOf(to), flags)
+             ? 0
+             : ground.Get().GetLastError();
+}
+std::uint32_t Copy(MachineUnderTest& ground, TextView from, TextView to, bool failIfExists) {
+  return ground.Get().Disk().CopyFileW(ground.PathOf(from), ground.PathOf(to), failIfExists)
+             ? 0
+             : ground.Get().GetLastError();
+}
+
+// The names in the ground and what the files hold: "a=1 folder\ z=26".
+std::string Ground(MachineUnderTest& ground, TextView below = {}) {
+  const FolderListing listing = ListFolder(ground.Get(), ground.PathOf(Text(below) + u"*"));
+  std::vector<std::string> entries;
+  for (std::size_t i = 0; i < listing.names.size(); ++i) {
+    const Text name = Text(below) + listing.names[i];
+    if ((listing.records[i].dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY) != 0) {
+      entries.push_back(ToUtf8(name) + "\\ " + Ground(ground, name + u"\\"));
+      continue;
+    }
+    std::string bytes(100, '\0');
+    std::uint32_t done = 0;
+    FileInputOutput& files = ground.Get().Files();
+    const HANDLE file =
+        files.CreateFileW(ground.PathOf(name), GENERIC_READ, FILE_SHARE_READ, OPEN_EXISTING, 0);
+    EXPECT_TRUE(files.ReadFile(file, std::as_writable_bytes(std::span(bytes)), done));
+    EXPECT_TRUE(files.CloseHandle(file));
+    entries.push_back(ToUtf8(name) + "=" + bytes.substr(0, done) + " ");
+  }
+  std::ranges::sort(entries);
+  std::string text;
+  for (const std::string& entry : entries) text += entry;
+  return text;
+}
+
+std::uint32_t AttributesOf(MachineUnderTest& ground, TextView relative) {
+  return ground.Get().Files().GetFileAttributesW(ground.PathOf(relative));
+}
+
+void Deleting(MachineUnderTest& ground) {
+  ground.MakeFile(u"a", "1");
+  ground.MakeFile(u"kept", "2");
+  ground.MakeFolder(u"folder");
+  ground.MakeFolderLink(u"link", u"folder");
+  ground.SetReadOnly(u"kept", true);
+  EXPECT_EQ(Delete(ground, u"a"), 0U);
+  EXPECT_EQ(Delete(ground, u"a"), ERROR_FILE_NOT_FOUND);
+  EXPECT_EQ(Delete(ground, u"none\\a"), ERROR_PATH_NOT_FOUND);
+  EXPECT_EQ(Delete(ground, u"kept\\a"), ERROR_PATH_NOT_FOUND);
+  EXPECT_EQ(Delete(ground, u"kept"), ERROR_ACCESS_DENIED);
+  EXPECT_EQ(Delete(ground, u"kept\\"), ERROR_INVALID_NAME);
+  EXPECT_EQ(Delete(ground, u"folder"), ERROR_ACCESS_DENIED);
+  EXPECT_EQ(Delete(ground, u"link"), ERROR_ACCESS_DENIED);
+  EXPECT_EQ(Delete(ground, u"a*"), ERROR_INVALID_NAME);
+  EXPECT_FALSE(ground.Get().Disk().DeleteFileW(u""));
+  EXPECT_EQ(ground.Get().GetLastError(), ERROR_PATH_NOT_FOUND);
+  ground.SetReadOnly(u"kept", false);
+  EXPECT_EQ(Delete(ground, u"kept"), 0U);
+  EXPECT_EQ(ListFolder(ground.Get(), ground.PathOf(u"*")).names.size(), 2U);
+}
+
+void MovingToAFreeName(MachineUnderTest& ground) {
+  ground.MakeFile(u"a", "1");
+  ground.MakeFile(u"folder\\inner", "2");
+  ground.MakeFolder(u"other");
+  ground.SetReadOnly(u"a", true);
+  ground.SetWritten(u"a", 133'000'000'120'000'000);
+  EXPECT_EQ(Move(ground, u"a", u"other\\b", MOVEFILE_WRITE_THROUGH), 0U);
+  EXPECT_NE(AttributesOf(ground, u"other\\b") & FILE_ATTRIBUTE_READONLY, 0U);
+  EXPECT_EQ(ListFolder(ground.Get(), ground.PathOf(u"other\\*")).records[0].ftLastWriteTime.Ticks(),
+            133'000'000'120'000'000);
+  EXPECT_EQ(Move(ground, u"folder\\", u"other\\moved\\", removalFlags), 0U);
+  EXPECT_EQ(Ground(ground), "other\\ other\\b=1 other\\moved\\ other\\moved\\inner=2 ");
+  struct Row {
+    const char* name;
+    TextView from, to;
+    std::uint32_t code;
+  };
+  const Row table[] = {
+      {"missing", u"none", u"x", ERROR_FILE_NOT_FOUND},
+      {"missing folder", u"none\\a", u"x", ERROR_PATH_NOT_FOUND},
+      {"missing target folder", u"other\\b", u"none\\x", ERROR_PATH_NOT_FOUND},
+      {"below a file", u"other\\moved", u"other\\b\\x", ERROR_PATH_NOT_FOUND},
+      {"a file as a folder", u"other\\b", u"x\\", ERROR_INVALID_NAME},
+      {"a name that cannot be", u"other\\b", u"x?", ERROR_INVALID_NAME},
+      {"below itself", u"other", u"other\\moved\\x", ERROR_SHARING_VIOLATION},
+  };
+  for (const Row& row : table)
+    EXPECT_EQ(Move(ground, row.from, row.to, replace), row.code) << row.name;
+  EXPECT_FALSE(ground.Get().Disk().MoveFileExW(ground.PathOf(u"other"), ground.PathOf(u"x"), 4));
+  EXPECT_EQ(ground.Get().GetLastError(), ERROR_INVALID_PARAMETER);
+  EXPECT_EQ(Ground(ground), "other\\ other\\b=1 other\\moved\\ other\\moved\\inner=2 ");
+}
+
+void MovingNeverReplacesUnasked(MachineUnderTest& ground) {
+  ground.MakeFile(u"a", "1");
+  ground.MakeFile(u"b", "2");
+  ground.MakeFile(u"folder\\in", "3");
+  ground.MakeFolder(u"empty");
+  const std::string before = Ground(ground);
+  for (const auto& [from, to] : {std::pair<TextView, TextView>{u"a", u"b"},
+                                 {u"a", u"folder"},
+                                 {u"folder", u"a"},
+                                 {u"folder", u"empty"},
+                                 {u"empty", u"folder"},
+                                 {u"a", u"empty\\"}}) {
+    const bool isFileAsFolder = to.ends_with(u'\\');
+    EXPECT_EQ(Move(ground, from, to, MOVEFILE_COPY_ALLOWED),
+              isFileAsFolder ? ERROR_INVALID_NAME : ERROR_ALREADY_EXISTS)
+        << ToUtf8(from) << " to " << ToUtf8(to);
+  }
+  EXPECT_EQ(Move(ground, u"a", u"a"), 0U) << "onto itself";
+  EXPECT_EQ(Move(ground, u"folder", u"folder"), 0U) << "a folder onto itself";
+  EXPECT_EQ(Ground(ground), before);
+}
+
+void MovingWithReplace(MachineUnderTest& ground) {
+  ground.MakeFile(u"a", "1");
+  ground.MakeFile(u"b", "2");
+  ground.MakeFile(u"kept", "3");
+  ground.MakeFolder(u"folder");
+  ground.MakeFolder(u"other");
+  ground.SetReadOnly(u"kept", true);
+  const std::string before = Ground(ground);
+  EXPECT_EQ(Move(ground, u"a", u"kept", replace), ERROR_ACCESS_DENIED);
+  EXPECT_EQ(Move(ground, u"a", u"folder", replace), ERROR_ACCESS_DENIED);
+  EXPECT_EQ(Move(ground, u"folder", u"a", replace), ERROR_ACCESS_DENIED);
+  EXPECT_EQ(Move(ground, u"folder", u"other", replace), ERROR_ACCESS_DENIED);
+  EXPECT_EQ(Move(ground, u"a", u"a", replace), 0U);
+  EXPECT_EQ(Ground(ground), before);
+  EXPECT_EQ(Move(ground, u"kept", u"b", replace | MOVEFILE_WRITE_THROUGH), 0U);
+  EXPECT_EQ(Ground(ground), "a=1 b=3 folder\\ other\\ ");
+}
+
+void MovingChangesCase(MachineUnderTest& ground) {
+  ground.MakeFile(u"name.txt", "1");
+  ground.MakeFile(u"folder\\in", "2");
+  EXPECT_EQ(Move(ground, u"name.txt", u"NAME.txt"), 0U);
+  EXPECT_EQ(Move(ground, u"folder", u"Folder"), 0U);
+  EXPECT_EQ(Ground(ground), "Folder\\ Folder\\in=2 NAME.txt=1 ");
+}
+
+void Copying(MachineUnderTest& ground) {
+  ground.MakeFile(u"a", "1");
+  ground.MakeFile(u"b", "old and longer");
+  ground.MakeFile(u"kept", "3");
+  ground.MakeFolder(u"folder");
+  ground.SetWritten(u"a", 133'000'000'120'000'000);
+  ground.SetReadOnly(u"a", true);
+  ground.SetReadOnly(u"kept", true);
+  const std::string before = Ground(ground);
+  struct Row {
+    const char* name;
+    TextView from, to;
+    bool failIfExists;
+    std::uint32_t code;
+  };
+  const Row table[] = {
+      {"missing", u"none", u"b", true, ERROR_FILE_NOT_FOUND},
+      {"missing target folder", u"a", u"none\\x", false, ERROR_PATH_NOT_FOUND},
+      {"a folder", u"folder", u"x", false, ERROR_ACCESS_DENIED},
+      {"onto a folder", u"a", u"folder", false, ERROR_ACCESS_DENIED},
+      {"onto a folder, new wanted", u"a", u"folder", true, ERROR_FILE_EXISTS},
+      {"onto a read-only file", u"b", u"kept", false, ERROR_ACCESS_DENIED},
+      {"onto a file, new wanted", u"a", u"b", true, ERROR_FILE_EXISTS},
+      {"onto itself", u"b", u"b", false, ERROR_SHARING_VIOLATION},
+      {"to a folder that is not", u"a", u"x\\", false, ERROR_INVALID_NAME},
+  };
+  for (const Row& row : table)
+    EXPECT_EQ(Copy(ground, row.from, row.to, row.failIfExists), row.code) << row.name;
+  EXPECT_EQ(Ground(ground), before);
+  EXPECT_EQ(Copy(ground, u"a", u"b", false), 0U);
+  EXPECT_EQ(Copy(ground, u"a", u"folder\\new", true), 0U);
+  EXPECT_EQ(Ground(ground), "a=1 b=1 folder\\ folder\\new=1 kept=3 ");
+  EXPECT_NE(AttributesOf(ground, u"b") & FILE_ATTRIBUTE_READONLY, 0U);
+  const FolderListing copy = ListFolder(ground.Get(), ground.PathOf(u"folder\\*"));
+  EXPECT_EQ(copy.records[0].ftLastWriteTime.Ticks(), 133'000'000'120'000'000);
+}
+
+void CopyingLargeFiles(MachineUnderTest& ground) {
+  std::string bytes(3'000'001, 'x');
+  for (std::size_t i = 0; i < bytes.size(); ++i) bytes[i] = static_cast<char>(i * 31 / 7);
+  ground.MakeFile(u"a", bytes);
+  ground.MakeFile(u"empty", "");
+  EXPECT_EQ(Copy(ground, u"a", u"b", true), 0U);
+  EXPECT_EQ(Copy(ground, u"empty", u"empty too", true), 0U);
+  FileInputOutput& files = ground.Get().Files();
+  const HANDLE copy =
+      files.CreateFileW(ground.PathOf(u"b"), GENERIC_READ, FILE_SHARE_READ, OPEN_EXISTING, 0);
+  std::string found(bytes.size() + 10, '\0');
+  std::uint32_t done = 0;
+  EXPECT_TRUE(files.ReadFile(copy, std::as_writable_bytes(std::span(found)), done));
+  EXPECT_TRUE(files.CloseHandle(copy));
+  EXPECT_EQ(done, bytes.size());
+  EXPECT_TRUE(found.starts_with(bytes)) << "other bytes";
+  EXPECT_EQ(ListFolder(ground.Get(), ground.PathOf(u"*")).names.size(), 4U) << "nothing besides";
+}
+
+void KeptOutOfChanges(MachineUnderTest& ground) {
+  if (!ground.CanKeepOut()) GTEST_SKIP() << "nobody can be kept out here";
+  ground.MakeFile(u"shut\\a", "1");
+  ground.MakeFile(u"b", "2");
+  ground.KeepOut(u"shut");
+  EXPECT_EQ(Delete(ground, u"shut\\a"), ERROR_ACCESS_DENIED);
+  EXPECT_EQ(Move(ground, u"shut\\a", u"a"), ERROR_ACCESS_DENIED);
+  EXPECT_EQ(Move(ground, u"b", u"shut\\b", removalFlags), ERROR_ACCESS_DENIED);
+  EXPECT_EQ(Copy(ground, u"b", u"shut\\b", false), ERROR_ACCESS_DENIED);
+  EXPECT_NE(AttributesOf(ground, u"b"), INVALID_FILE_ATTRIBUTES);
+}
+
+void ReplacingWhole(MachineUnderTest& ground) {
+  Machine& machine = ground.Get();
+  EXPECT_TRUE(ReplaceFileContents(machine, ground.PathOf(u"new.ini"), "first"));
+  EXPECT_TRUE(ReplaceFileContents(machine, ground.PathOf(u"new.ini"), "2nd"));
+  EXPECT_EQ(Ground(ground), "new.ini=2nd ");
+  ground.SetReadOnly(u"new.ini", true);
+  EXPECT_FALSE(ReplaceFileContents(machine, ground.PathOf(u"new.ini"), "3rd"));
+  EXPECT_EQ(machine.GetLastError(), ERROR_ACCESS_DENIED);
+  EXPECT_FALSE(ReplaceFileContents(machine, ground.PathOf(u"none\\new.ini"), "3rd"));
+  EXPECT_EQ(machine.GetLastError(), ERROR_PATH_NOT_FOUND);
+  EXPECT_EQ(Ground(ground), "new.ini=2nd ");
+}
+
+constexpr ConformanceRow rows[] = {
+    {"FSXFSO_DeleteFSO", "deleting takes files away and keeps read-only ones and folders",
+     Deleting},
+    {"FSXFSO_MoveFSO", "a move to a free name keeps all that belongs to the entry",
+     MovingToAFreeName},
+    {"FSXFSO_MoveFSO", "a move never replaces unasked", MovingNeverReplacesUnasked},
+    {"RemoveMarkedFilesAllGroups", "a move that replaces takes files only, and no read-only ones",
+     MovingWithReplace},
+    {"FSXFSO_MoveFSO", "a move may change the case of a name alone", MovingChangesCase},
+    {"FSXFSO_CopyFSO", "a copy replaces only what may be replaced, and keeps time and attribute",
+     Copying},
+    {"SaveAs", "a copy of many blocks is whole and leaves nothing besides", CopyingLargeFiles},
+    {"WritePrivateProfileStringW", "a file is replaced as a whole with nothing left beside it",
+     ReplacingWhole},
+    {"RemoveMarkedFilesAllGroups", "a folder that keeps one out of changes is 5", KeptOutOfChanges},
+};
+
+}  // namespace
+
+std::span<const ConformanceRow> ChangeRows() {
+  return rows;
+}
+
+}  // namespace quillmarsh
