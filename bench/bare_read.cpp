@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// The floor of reading: opens each file of a list once, reads it with a buffer of 256 KiB and throws
-// the bytes away. The list stands in a file, each path ended by a NUL.
+// The floor of reading: opens each file of a list once, reads it with a buffer of 256 KiB and
+// throws the bytes away. The list stands in a file, each path ended by a NUL.
 #include <fcntl.h>
 #include <unistd.h>
 

@@ -5,6 +5,7 @@
 
 #include <random>
 
+#include "base/ValueText.h"
 #include "filetypes/cCommonFileTypes.h"
 #include "filetypes/modCommonFileTypes.h"
 #include "fsobjects/FsObjectsFixture.h"
@@ -47,7 +48,11 @@ class OptionsFile : public FsObjectsFixture {
     Forget();
     ReadProgramOptionsFromIniFile(form);
   }
-  void Put(TextView text) { machine.AddFile(kFile, FileContents::Utf16(text)); }
+  void Put(TextView text) { PutBytes(FileContents::Utf16(text)); }
+  void PutBytes(const FileContents& contents) {
+    if (machine.Exists(kFile)) machine.Remove(kFile);
+    machine.AddFile(kFile, contents);
+  }
   std::string Bytes() const { return machine.ContentsOf(kFile); }
   static clsDupeSettings& Settings() { return *gDupeSettings; }
   static clsMarkForRemovalWizard& Wizard() { return *gMarkForRemovalWizardOptions; }
@@ -332,7 +337,7 @@ TEST_F(OptionsFile, A8BitFileACutFileAndNoiseReadAsWhatTheyAreAndSaveSound) {
   };
   for (const auto& row : rows) {
     SCOPED_TRACE(row.name);
-    machine.AddFile(kFile, row.contents);
+    PutBytes(row.contents);
     Read();
     EXPECT_EQ(Settings().SizesMatch(), row.sizesMatch);
     if (!row.sizesMatch) {
