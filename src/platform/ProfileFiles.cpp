@@ -83,6 +83,17 @@ std::int32_t NumberAtStart(TextView text) {
   return static_cast<std::int32_t>(isNegative ? 0U - number : number);
 }
 
+std::uint32_t ValueInto(const ProfileText& text, TextView section, TextView key,
+                        TextView defaultText, std::span<char16_t> buffer) {
+  if (buffer.empty()) return 0;
+  const auto found = text.Find(section, key);
+  const TextView value = found ? WithoutQuotes(*found) : WithoutTrailingBlanks(defaultText);
+  const std::size_t count = std::min(value.size(), buffer.size() - 1);
+  value.copy(buffer.data(), count);
+  buffer[count] = u'\0';
+  return static_cast<std::uint32_t>(count);
+}
+
 }  // namespace
 
 std::uint32_t GetPrivateProfileStringW(Machine& machine, TextView section, TextView key,
@@ -91,13 +102,7 @@ std::uint32_t GetPrivateProfileStringW(Machine& machine, TextView section, TextV
   if (buffer.empty()) return 0;
   std::string bytes;
   if (!ReadProfile(machine, fileName, bytes)) bytes.clear();
-  const ProfileText text(bytes);
-  const auto found = text.Find(section, key);
-  const TextView value = found ? WithoutQuotes(*found) : WithoutTrailingBlanks(defaultText);
-  const std::size_t count = std::min(value.size(), buffer.size() - 1);
-  value.copy(buffer.data(), count);
-  buffer[count] = u'\0';
-  return static_cast<std::uint32_t>(count);
+  return ValueInto(ProfileText(bytes), section, key, defaultText, buffer);
 }
 
 std::int32_t GetPrivateProfileIntW(Machine& machine, TextView section, TextView key,
@@ -126,6 +131,38 @@ bool WritePrivateProfileSectionW(Machine& machine, TextView section, TextView en
                                  TextView fileName) {
   return ChangeProfile(machine, fileName, IfMissing::Make,
                        [&](ProfileText& text) { text.SetSection(section, entries); });
+}
+
+ProfileBatch::ProfileBatch(Machine& machine, TextView fileName)
+    : mMachine(machine), mPath(PathOfProfile(machine, fileName)), mText(std::string_view()) {
+  if (ReadFileContents(machine, mPath, kShareAll, mBytes)) {
+    mText = ProfileText(mBytes);
+  } else {
+    // Nothing but this may be taken for an empty file: the rest of it would be lost.
+    const std::uint32_t code = machine.GetLastError();
+    mReadError = code == ERROR_FILE_NOT_FOUND ? ERROR_SUCCESS : code;
+  }
+}
+
+std::uint32_t ProfileBatch::GetString(TextView section, TextView key, TextView defaultText,
+                                      std::span<char16_t> buffer) const {
+  return ValueInto(mText, section, key, defaultText, buffer);
+}
+
+void ProfileBatch::SetString(TextView section, TextView key, TextView value) {
+  mText.SetKey(section, key, value);
+}
+
+bool ProfileBatch::Commit() {
+  if (mReadError != ERROR_SUCCESS) {
+    mMachine.SetLastError(mReadError);
+    return false;
+  }
+  std::string changed = mText.Bytes();
+  if (changed == mBytes) return true;
+  if (!ReplaceFileContents(mMachine, mPath, changed)) return false;
+  mBytes = std::move(changed);
+  return true;
 }
 
 }  // namespace quillmarsh

@@ -10,6 +10,7 @@
 #include <span>
 
 #include "base/Text.h"
+#include "platform/ProfileText.h"
 
 namespace quillmarsh {
 
@@ -38,5 +39,27 @@ std::uint32_t GetPrivateProfileStringW(Machine& machine, TextView section, TextV
 // list. A missing section is made.
 [[nodiscard]] bool WritePrivateProfileSectionW(Machine& machine, TextView section, TextView entries,
                                                TextView fileName);
+
+// Many values of one file in one go: read once, changed in memory, and written once, so that the
+// file on the disk is the whole old one or the whole new one.
+class ProfileBatch {
+ public:
+  ProfileBatch(Machine& machine, TextView fileName);
+
+  // As the two calls of the like names.
+  std::uint32_t GetString(TextView section, TextView key, TextView defaultText,
+                          std::span<char16_t> buffer) const;
+  void SetString(TextView section, TextView key, TextView value);
+  // Writes what was changed; true, and nothing written, when that is nothing. False sets the last
+  // error; a file that could not be read is left alone.
+  [[nodiscard]] bool Commit();
+
+ private:
+  Machine& mMachine;
+  const Text mPath;
+  std::string mBytes;
+  std::uint32_t mReadError = 0;
+  ProfileText mText;
+};
 
 }  // namespace quillmarsh

@@ -88,8 +88,9 @@ std::int16_t CIniFile::GetIntegerValue(std::int16_t defaultValue) const {
 Text CIniFile::GetStringValue(TextView defaultValue) const {
   if (!HasAll({.key = true, .fullStop = {}})) return Text(defaultValue);
   Text value(kBufferCharacters, u'\0');
-  const std::uint32_t count =
-      GetPrivateProfileStringW(TheMachine(), mSection, mKey, {}, value, ToLongPath(mFullPath));
+  const std::uint32_t count = mBatch ? mBatch->GetString(mSection, mKey, {}, value)
+                                     : GetPrivateProfileStringW(TheMachine(), mSection, mKey, {},
+                                                                value, ToLongPath(mFullPath));
   if (count == 0) return Text(defaultValue);
   value.resize(count);
   return value;
@@ -97,8 +98,18 @@ Text CIniFile::GetStringValue(TextView defaultValue) const {
 
 void CIniFile::SetStringValue(TextView value) {
   if (!HasAll({.key = true, .fullStop = u"."})) return;
+  if (mBatch) return mBatch->SetString(mSection, mKey, value);
   if (!WritePrivateProfileStringW(TheMachine(), mSection, mKey, value, ToLongPath(mFullPath)))
     TellFailure(Write::SetStringValue);
+}
+
+void CIniFile::BeginBatch() {
+  mBatch.emplace(TheMachine(), ToLongPath(mFullPath));
+}
+
+void CIniFile::EndBatch() {
+  if (mBatch && !mBatch->Commit()) TellFailure(Write::SetStringValue);
+  mBatch.reset();
 }
 
 void CIniFile::DeleteKey() {

@@ -1,14 +1,16 @@
 // SPDX-License-Identifier: MIT
 // One INI file, and one key of it at a time: set Path and Name, then Section and Key, then read or
 // write. Every operation checks that what it needs is set and says so if not. A write that fails is
-// told once for each kind of write and object and never stops the caller. Holds no file open and
-// keeps nothing that it read.
+// told once for each kind of write and object and never stops the caller. Holds no file open, and
+// keeps nothing that it read but during a batch.
 #pragma once
 
 #include <array>
 #include <cstdint>
+#include <optional>
 
 #include "base/Text.h"
+#include "platform/ProfileFiles.h"
 
 namespace quillmarsh {
 
@@ -31,6 +33,12 @@ class CIniFile {
   // Asks for the bare Name, which the system looks for in its own folder. Error 6 where the number
   // does not fit.
   [[nodiscard]] std::int16_t GetIntegerValue(std::int16_t defaultValue) const;
+  // From now on values are read from a copy of the file that is made here, and SetStringValue
+  // changes the copy; EndBatch writes it in one go and tells a failure as SetStringValue does. An
+  // object that goes without EndBatch has written nothing. Path and Name must be set.
+  void BeginBatch();
+  void EndBatch();
+
   // The default for a missing key and for an empty value alike. At most 16,383 characters; a longer
   // value is cut there without notice.
   [[nodiscard]] Text GetStringValue(TextView defaultValue) const;
@@ -55,6 +63,7 @@ class CIniFile {
   [[nodiscard]] bool HasAll(const Needs& needs) const;
   void TellFailure(Write write);
 
+  std::optional<ProfileBatch> mBatch;
   Text mName;
   Text mSection;
   Text mKey;

@@ -101,14 +101,28 @@ Text AsStored(TextView value) {
   return isAtRisk ? u"\"" + Text(value) + u"\"" : Text(value);
 }
 
-// One open section of the file; what is written and read is text. A user without a folder for it
-// has no file: everything is as by default, and nothing is kept.
+// One open section of the file; what is written and read is text. The file is read once, and what
+// was written goes to the disk all together at the end, also when an error ends the writing early.
+// A user without a folder for it has no file: everything is as by default, and nothing is kept.
 class Section {
  public:
-  Section() : mFolder(GetIniFileFolder()) {
+  // To write everything the file must be able to hold any path.
+  enum class Purpose { Read, Write, WriteEverything };
+
+  explicit Section(Purpose purpose) : mPurpose(purpose), mFolder(GetIniFileFolder()) {
     mFile.SetPath(mFolder);
     mFile.SetName(GetIniFileName());
+    if (mFolder.empty()) return;
+    if (purpose == Purpose::WriteEverything && !mFile.IsUTF16())
+      static_cast<void>(mFile.ConvertToUTF16());
+    mFile.BeginBatch();
   }
+  ~Section() {
+    if (mPurpose != Purpose::Read) mFile.EndBatch();
+  }
+  Section(const Section&) = delete;
+  Section& operator=(const Section&) = delete;
+
   void Begin(TextView name) { mFile.SetSection(name); }
 
   [[nodiscard]] Text Read(TextView key, TextView defaultText = {}) {
@@ -140,12 +154,9 @@ class Section {
   void Write(const Settings& settings, const FlagProperty& property) {
     WriteFlag(property.key, (settings.*property.get)());
   }
-  // What the file holds must be able to hold any path.
-  void MakeUtf16() {
-    if (!mFolder.empty() && !mFile.IsUTF16()) static_cast<void>(mFile.ConvertToUTF16());
-  }
 
  private:
+  const Purpose mPurpose;
   const Text mFolder;
   CIniFile mFile;
 };
@@ -274,7 +285,7 @@ Text GetIniFileSpec() {
 
 void ReadProgramOptionsFromIniFile(ProgramOptionsForm& form) {
   Guarded(u"modIniFile.ReadProgramOptionsFromIniFile", [&form] {
-    Section section;
+    Section section(Section::Purpose::Read);
     ReadOptions(section, *gDupeSettings, form);
     ReadWizardOptions(section, *gMarkForRemovalWizardOptions);
     ReadFileTypes(section, *gCommonFileTypes);
@@ -283,7 +294,7 @@ void ReadProgramOptionsFromIniFile(ProgramOptionsForm& form) {
 
 void ReadDupesFolderPathFromIniFile() {
   Guarded(u"modIniFile.ReadProgramOptionsFromIniFile", [] {
-    Section section;
+    Section section(Section::Purpose::Read);
     section.Begin(kOptions);
     ReadDupesFolderPath(section);
   });
@@ -291,8 +302,7 @@ void ReadDupesFolderPathFromIniFile() {
 
 void SaveProgramOptionsToIniFile() {
   Guarded(u"modIniFile.SaveProgramOptionsToIniFile", [] {
-    Section section;
-    section.MakeUtf16();
+    Section section(Section::Purpose::WriteEverything);
     WriteOptions(section, *gDupeSettings);
     WriteWizardOptions(section, *gMarkForRemovalWizardOptions);
     WriteFileTypes(section, *gCommonFileTypes);
@@ -302,7 +312,7 @@ void SaveProgramOptionsToIniFile() {
 void SaveFilterOptionsToIniFile(TextView IncludeFolders, TextView IncludeFiles,
                                 TextView ExcludeFolders, TextView ExcludeFiles) {
   Guarded(u"modIniFile.SaveFilterOptionsToIniFile", [&] {
-    Section section;
+    Section section(Section::Purpose::Write);
     section.Begin(kOptions);
     section.Write(kIncludeFolders.key, IncludeFolders);
     section.Write(kIncludeFiles.key, IncludeFiles);
