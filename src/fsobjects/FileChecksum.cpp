@@ -59,7 +59,8 @@ bool ReadWhole(HANDLE file, std::uint32_t& crc) {
     position += done;
     DoEvents_Fast();
     if (gStopCRC) return false;
-    if (done == 0) break;
+    // A file that grows as fast as it is read would otherwise never end.
+    if (done == 0 || position > size) break;
     if (clock.IsDue())
       PublishCRCProgressText(pbcrc32::ProgressText(position, size, clock.Seconds()));
   }

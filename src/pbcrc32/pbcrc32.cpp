@@ -89,7 +89,7 @@ Failure WhyItEnds(const PB_OpenedFile& opened, std::int64_t position, std::byte*
 
 Failure OneThread(const PB_OpenedFile& opened, std::uint32_t& crc) {
   const auto wanted =
-      static_cast<std::uint32_t>(std::clamp<std::int64_t>(opened.size + 1, 1, BlockBytes));
+      static_cast<std::uint32_t>(std::clamp<std::int64_t>(opened.size, 0, BlockBytes - 1)) + 1;
   const Block buffer = MakeBlock(wanted);
   Host host(opened.size);
   std::uint32_t length = wanted;
@@ -116,8 +116,7 @@ Failure OneThread(const PB_OpenedFile& opened, std::uint32_t& crc) {
 class SharedReading {
  public:
   explicit SharedReading(const PB_OpenedFile& opened)
-      : mOpened(opened),
-        mCrcs(static_cast<std::size_t>((opened.size + BlockBytes - 1) / BlockBytes)) {}
+      : mOpened(opened), mCrcs(static_cast<std::size_t>((opened.size - 1) / BlockBytes + 1)) {}
 
   // Takes the next block; false when there is none left, or when the reading is over anyhow.
   bool TakeBlock(std::byte* buffer) {
