@@ -4,6 +4,7 @@
 
 #include <libdeflate.h>
 
+#include <algorithm>
 #include <vector>
 
 #include "frame/ErrorReporting.h"
@@ -20,21 +21,44 @@ namespace quillmarsh {
 
 namespace {
 
-constexpr std::size_t kBlockBytes = std::size_t{128} * 1024;
+constexpr std::int64_t kBlockBytes = 128 * 1024;
 constexpr std::uint32_t kFileChanged = 1006;  // the opened file is no longer valid
 
-class SystemFailure {
- public:
-  explicit SystemFailure(std::uint32_t code) : mCode(code) {}
-  [[nodiscard]] std::uint32_t Code() const { return mCode; }
-
- private:
-  std::uint32_t mCode;
+// A failure with the number and the text that the history gets.
+struct ChecksumFailure {
+  std::int32_t number;
+  Text text;
 };
 
+[[noreturn]] void RaiseSystemError(std::uint32_t code) {
+  throw ChecksumFailure{static_cast<std::int32_t>(code), GetSystemErrorText(code)};
+}
 [[noreturn]] void RaiseLastError(std::uint32_t otherwise) {
   const std::uint32_t code = TheMachine().GetLastError();
-  throw SystemFailure(code != 0 ? code : otherwise);
+  RaiseSystemError(code != 0 ? code : otherwise);
+}
+
+// Runs one of the two ways, which answers the value or raises what went wrong. After a stop neither
+// of them counts.
+template <typename Way>
+std::int32_t Checked(bool& errorFlag, std::int32_t& errorNumber, Text& errorText, Way&& way) {
+  errorFlag = false;
+  gStopCRC = false;
+  ChecksumFailure failure;
+  try {
+    const std::int32_t value = way();
+    return gStopCRC ? kChecksumStopped : value;
+  } catch (const ChecksumFailure& raised) {
+    if (gStopCRC) return kChecksumStopped;
+    failure = raised;
+  } catch (...) {
+    TakePendingErrorFromException();
+    failure = {gPendingError.number, gPendingError.description};
+  }
+  errorFlag = true;
+  errorNumber = failure.number;
+  errorText = failure.text;
+  return kChecksumFailed;
 }
 
 std::int64_t SizeOf(HANDLE file) {
@@ -45,11 +69,13 @@ std::int64_t SizeOf(HANDLE file) {
                                    information.nFileSizeLow);
 }
 
-// False when it was stopped. The stream's own reading goes by positions that miss their place above
-// 4 GiB; in sequence the file's own position is always right.
-bool ReadWhole(HANDLE file, std::uint32_t& crc) {
+// The stream's own reading goes by positions that miss their place above 4 GiB; in sequence the
+// file's own position is always right.
+std::uint32_t ReadWhole(HANDLE file) {
+  std::uint32_t crc = 0;
   const std::int64_t size = SizeOf(file);
-  std::vector<std::byte> block(kBlockBytes);
+  // A byte more than a short file has, so that its end shows at once.
+  std::vector<std::byte> block(static_cast<std::size_t>(std::min(size, kBlockBytes - 1)) + 1);
   pbcrc32::ProgressClock clock;
   std::int64_t position = 0;
   for (;;) {
@@ -58,13 +84,13 @@ bool ReadWhole(HANDLE file, std::uint32_t& crc) {
     crc = libdeflate_crc32(crc, block.data(), done);
     position += done;
     DoEvents_Fast();
-    if (gStopCRC) return false;
-    if (done == 0) break;
+    // A file that grows as fast as it is read would otherwise never end.
+    if (gStopCRC || done == 0 || position > size) break;
     if (clock.IsDue())
       PublishCRCProgressText(pbcrc32::ProgressText(position, size, clock.Seconds()));
   }
-  if (position != size) throw SystemFailure(kFileChanged);
-  return true;
+  if (position != size) RaiseSystemError(kFileChanged);
+  return crc;
 }
 
 }  // namespace
@@ -82,45 +108,22 @@ std::int32_t GetFileCRC32(TextView path, bool& errorFlag, std::int32_t& errorNum
 
 std::int32_t PB_GetFileCrc32_Checked(TextView path, bool& errorFlag, std::int32_t& errorNumber,
                                      Text& errorText) {
-  errorFlag = false;
-  gStopCRC = false;
-  try {
+  return Checked(errorFlag, errorNumber, errorText, [path] {
     const LibraryChecksum answer = AskLibraryForCRC32(path);
-    if (gStopCRC) return kChecksumStopped;
-    if (answer.errorNumber == 0) return answer.value;
-    errorNumber = answer.errorNumber;
-    errorText = answer.errorText;
-  } catch (...) {
-    TakePendingErrorFromException();
-    errorNumber = gPendingError.number;
-    errorText = gPendingError.description;
-  }
-  errorFlag = true;
-  return kChecksumFailed;
+    if (answer.errorNumber != 0) throw ChecksumFailure{answer.errorNumber, answer.errorText};
+    return answer.value;
+  });
 }
 
 std::int32_t GetFileCRC32_Internal(TextView path, bool& errorFlag, std::int32_t& errorNumber,
                                    Text& errorText) {
-  errorFlag = false;
-  gStopCRC = false;
-  try {
+  return Checked(errorFlag, errorNumber, errorText, [path] {
     cBinaryFileStream stream;
     stream.SetFile(path);
     static_cast<void>(stream.OpenFile(GENERIC_READ));
     if (!stream.AccessGranted()) RaiseLastError(ERROR_FILE_NOT_FOUND);
-    std::uint32_t crc = 0;
-    return ReadWhole(stream.Handle(), crc) ? static_cast<std::int32_t>(crc) : kChecksumStopped;
-  } catch (const SystemFailure& failure) {
-    if (gStopCRC) return kChecksumStopped;  // a read that was given up
-    errorNumber = static_cast<std::int32_t>(failure.Code());
-    errorText = GetSystemErrorText(failure.Code());
-  } catch (...) {
-    TakePendingErrorFromException();
-    errorNumber = gPendingError.number;
-    errorText = gPendingError.description;
-  }
-  errorFlag = true;
-  return kChecksumFailed;
+    return static_cast<std::int32_t>(ReadWhole(stream.Handle()));
+  });
 }
 
 }  // namespace quillmarsh

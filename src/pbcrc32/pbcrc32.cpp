@@ -124,8 +124,7 @@ Failure OneThread(const PB_OpenedFile& opened, std::uint32_t& crc) {
 class SharedReading {
  public:
   explicit SharedReading(const PB_OpenedFile& opened)
-      : mOpened(opened),
-        mCrcs(static_cast<std::size_t>((opened.size + BlockBytes - 1) / BlockBytes)) {}
+      : mOpened(opened), mCrcs(static_cast<std::size_t>((opened.size - 1) / BlockBytes + 1)) {}
 
   // Takes the next block; false when there is none left, or when the reading is over anyhow.
   bool TakeBlock(std::byte* buffer) {

@@ -12,7 +12,8 @@ import trees
 
 ALL = ["--no-ignore", "zero,system,hidden,temporary,windows"]
 MATCHES = ["name", "size", "name,size", "size,modified", "name,modified", "size,created",
-           "size,created,modified", "name,size,created,modified"]
+           "size,created,modified", "name,size,created,modified", "size,contents", "name,contents",
+           "name,size,contents", "size,modified,contents"]
 SEEDS = int(os.environ.get("QUILLMARSH_ORACLE_SEEDS", "6"))
 
 
@@ -122,6 +123,24 @@ class OddPlaces(Case):
         refused = oracle.run("search", closed, **as_nobody)
         self.assertIn(b"closed folder", refused.stderr)
         self.assertIn(refused.returncode, (1, 2))
+
+    def test_a_file_without_permission_is_told_and_equals_nobody(self):
+        if os.getuid() != 0:
+            self.skipTest("another user can be had by root only")
+        os.makedirs(self.tree)
+        os.chmod(self.folder, 0o755)
+        for name in ("a", "b closed", "c", "d closed"):
+            path = os.path.join(self.tree, name)
+            with open(path, "wb") as file:
+                file.write(b"same everywhere")
+            os.chmod(path, 0o600 if "closed" in name else 0o644)
+        as_nobody = {"user": 65534, "program": oracle.copy_program(self.folder)}
+        found, _ = oracle.found_groups("--match", "size,contents", self.tree, exit_codes=(1,), **as_nobody)
+        self.assertEqual(found, {frozenset(os.fsencode(os.path.join(self.tree, name)) for name in "ac")})
+        done = oracle.run("search", "--match", "size,contents", self.tree, **as_nobody)
+        self.assertRegex(done.stderr.decode(), r"^.*/b closed.*denied.*\n.*/d closed.*denied.*\n$")
+        # What is not read needs no permission.
+        self.assertEqual(oracle.run("search", "--match", "size", self.tree, **as_nobody).returncode, 0)
 
     def test_files_in_the_two_passes_of_a_repeated_hour_are_not_one_time(self):
         os.makedirs(self.tree)

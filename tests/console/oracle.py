@@ -5,6 +5,7 @@ import base64
 import collections
 import fnmatch
 import glob
+import hashlib
 import json
 import os
 import shutil
@@ -82,6 +83,9 @@ def groups_of(files, match):
             key.append(file.created)
         if "modified" in match:
             key.append(file.modified)
+        if "contents" in match:
+            with open(file.path, "rb") as opened:
+                key.append(hashlib.sha256(opened.read()).digest())
         by_key[tuple(key)].append(file.path)
     return {frozenset(paths) for paths in by_key.values() if len(paths) > 1}
 

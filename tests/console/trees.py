@@ -11,6 +11,14 @@ NAMES = [b"report.doc", b"Report.DOC", b"REPORT.doc", b"a.txt", b"A.TXT", b"noex
          b"trailing.", b"\x01control", b"{brace},comma", b"-dash", b"scratch.tmp", b"SCRATCH.TMP",
          b".hidden", b".HIDDEN", b"semi;colon"]
 
+# Sizes with several contents each, that differ in their last byte or their first; some are as long
+# as a block of a checksum, give or take a byte.
+SMALL = [b"", b"", b"x", b"x" * 10, b"x" * 10, b"x" * 9 + b"y", b"y" * 10, b"x" * 11, b"x" * 5000,
+         b"x" * 4999 + b"y"]
+BLOCKS = [start + b"x" * size + end for size in (131069, 131070, 131071)
+          for start, end in ((b"x", b"x"), (b"x", b"y"), (b"y", b"x"))]
+LARGE = [b"x" * (5 << 20) + end for end in (b"x", b"x", b"y", b"y", b"z")]
+
 
 def make_random_tree(root, seed, folders=40, files=400, hard_to_read=True):
     """Fills the folder `root`. Answers nothing: the tree is what is there to be looked at."""
@@ -32,7 +40,10 @@ def make_random_tree(root, seed, folders=40, files=400, hard_to_read=True):
         if os.path.lexists(path):
             continue
         with open(path, "wb") as file:
-            file.write(b"x" * rng.choice([0, 0, 1, 10, 10, 11, 5000]))
+            if number < len(LARGE):
+                file.write(LARGE[number])
+            else:
+                file.write(rng.choice(BLOCKS if number % 8 == 0 else SMALL))
         moment = rng.choice(MOMENTS) * 1_000_000_000 + rng.choice([0, 1, 999_999_999, 999_999_950, 5])
         os.utime(path, ns=(moment, moment))
         if rng.random() < 0.1:

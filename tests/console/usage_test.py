@@ -4,6 +4,7 @@ import csv
 import io
 import json
 import os
+import re
 import select
 import shutil
 import signal
@@ -171,6 +172,13 @@ class Refusals(Case):
             self.assertIn(b"same.txt", done.stdout)
             os.unlink(place)
 
+    def test_without_its_module_the_program_does_not_start(self):
+        self.make("tree/same.txt")
+        alone = shutil.copy(oracle.PROGRAM, os.path.join(self.folder))
+        done = oracle.run("search", os.path.join(self.folder, "tree"), program=alone)
+        self.assertEqual((done.returncode, done.stdout), (2, b""))
+        self.assertIn(b"Error loading DLL - pbcrc32.so", done.stderr)
+
     def test_without_a_home_a_search_goes_on(self):
         self.make("tree/a/same.txt")
         self.make("tree/b/same.txt")
@@ -262,6 +270,23 @@ class Stop(Case):
             os.close(os.open(f"file{number}", os.O_CREAT | os.O_WRONLY, dir_fd=handle))
         os.close(handle)
         self.assert_quick(self.delays(os.path.join(self.folder, "tree")))
+
+    def test_a_stop_within_large_contents_is_quick(self):
+        for name in ("tree/a", "tree/b"):
+            os.truncate(self.make(name), 64 << 30)  # without blocks, but read like any other
+        arguments = ["--match", "size,contents", os.path.join(self.folder, "tree")]
+        delays = [self.stop_after(0.1 + step / 10, *arguments) for step in range(6)]
+        self.assertNotIn(None, delays)
+        # The last one when half a second of reading has brought a text of its progress.
+        process = subprocess.Popen([oracle.PROGRAM, "search", "--progress", *arguments],
+                                   stdout=subprocess.PIPE, stderr=subprocess.PIPE)
+        shares = (re.search(rb"of 64\.0 GB \(\d+ %\), .*/s", line) for line in process.stderr)
+        self.assertTrue(any(shares), "no progress was shown")
+        begin = time.monotonic()
+        process.send_signal(signal.SIGINT)
+        process.wait(timeout=30)
+        self.assert_quick([*delays, time.monotonic() - begin])
+        self.assertEqual((process.returncode, process.communicate()[0]), (130, b""))
 
 
 if __name__ == "__main__":
