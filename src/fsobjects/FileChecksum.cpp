@@ -5,6 +5,7 @@
 #include <libdeflate.h>
 
 #include <algorithm>
+#include <span>
 #include <vector>
 
 #include "frame/ErrorReporting.h"
@@ -15,13 +16,13 @@
 #include "fsobjects/PrivateClipboard.h"
 #include "fsobjects/cBinaryFileStream.h"
 #include "fsobjects/modUnicode.h"
+#include "pbcrc32/BlockPace.h"
 #include "pbcrc32/ProgressText.h"
 
 namespace quillmarsh {
 
 namespace {
 
-constexpr std::int64_t kBlockBytes = 128 * 1024;
 constexpr std::uint32_t kFileChanged = 1006;  // the opened file is no longer valid
 
 // A failure with the number and the text that the history gets.
@@ -75,12 +76,17 @@ std::uint32_t ReadWhole(HANDLE file) {
   std::uint32_t crc = 0;
   const std::int64_t size = SizeOf(file);
   // A byte more than a short file has, so that its end shows at once.
-  std::vector<std::byte> block(static_cast<std::size_t>(std::min(size, kBlockBytes - 1)) + 1);
+  std::vector<std::byte> block(
+      static_cast<std::size_t>(std::min<std::int64_t>(size, pbcrc32::BlockBytes - 1)) + 1);
+  pbcrc32::BlockPace pace;
   pbcrc32::ProgressClock clock;
   std::int64_t position = 0;
   for (;;) {
     std::uint32_t done = 0;
-    if (!TheMachine().Files().ReadFile(file, block, done)) RaiseLastError(ERROR_IO_DEVICE);
+    const std::size_t length = std::min<std::size_t>(pace.Begin(), block.size());
+    if (!TheMachine().Files().ReadFile(file, std::span(block).first(length), done))
+      RaiseLastError(ERROR_IO_DEVICE);
+    pace.Done();
     crc = libdeflate_crc32(crc, block.data(), done);
     position += done;
     DoEvents_Fast();

@@ -22,21 +22,15 @@
 #include <thread>
 #include <vector>
 
+#include "pbcrc32/BlockPace.h"
 #include "pbcrc32/ProgressText.h"
 
 namespace pbcrc32 {
 
 namespace {
 
-// Large enough that a call costs nothing beside it, small enough that the bytes are still near the
-// processor when the checksum takes them up; read ahead of the disk is the system's business.
-constexpr std::uint32_t BlockBytes = 128 * 1024;
-constexpr std::uint32_t SmallestBlockBytes = 16 * 1024;
 // From here on a second thread is worth its start.
 constexpr std::int64_t WorthTwoThreads = std::int64_t{4} << 20U;
-// A block that took longer than this is followed by a shorter one, so that the pump stays alive on
-// a slow disk.
-constexpr std::chrono::milliseconds LongestBlock{20};
 constexpr std::chrono::milliseconds WaitBetweenPumps{5};
 
 PB_Callbacks callbacks{};
@@ -103,20 +97,20 @@ Failure ShortFile(const PB_OpenedFile& opened, std::uint32_t& crc) {
 Failure OneThread(const PB_OpenedFile& opened, std::uint32_t& crc) {
   const Block buffer = MakeBlock(BlockBytes);
   Host host(opened.size);
-  std::uint32_t length = BlockBytes;
+  BlockPace pace;
   std::int64_t position = 0;
   for (;;) {
-    const auto begin = std::chrono::steady_clock::now();
+    const std::uint32_t length = pace.Begin();
     std::uint32_t done = 0;
     if (const std::int32_t code = ReadAt(opened, position, buffer.get(), length, done))
       return {code};
-    const bool isSlow = std::chrono::steady_clock::now() - begin > LongestBlock;
+    pace.Done();
     crc = libdeflate_crc32(crc, buffer.get(), done);
     position += done;
     if (!host.KeepGoing(position)) return GivenUp;
     if (position > opened.size) return Changed;
-    if (done < length) return WhyItEnds(opened, position, buffer.get());
-    length = isSlow ? std::max(length / 2, SmallestBlockBytes) : std::min(length * 2, BlockBytes);
+    if (done < length)
+      return position == opened.size ? Failure{} : WhyItEnds(opened, position, buffer.get());
   }
 }
 
@@ -194,31 +188,53 @@ class SharedReading {
   Failure mFailure;
 };
 
-Failure TwoThreads(const PB_OpenedFile& opened, std::uint32_t& crc) {
-  const Block buffer = MakeBlock(BlockBytes);
-  const Block helperBuffer = MakeBlock(BlockBytes);
-  SharedReading reading(opened);
-  Host host(opened.size);
-  std::thread helper;
-  try {
-    helper = std::thread([&] {
-      while (reading.TakeBlock(helperBuffer.get())) {
+// The second thread. It is over when this goes, also on a way out that nobody foresaw.
+class Helper {
+ public:
+  explicit Helper(SharedReading& reading) : mReading(reading), mBuffer(MakeBlock(BlockBytes)) {
+    mThread = std::thread([this] {
+      while (mReading.TakeBlock(mBuffer.get())) {
       }
-      reading.HelperIsDone();
+      mReading.HelperIsDone();
     });
-  } catch (const std::system_error&) {
-    return OneThread(opened, crc);  // no thread is to be had
   }
+  ~Helper() {
+    mReading.Fail(GivenUp);
+    mThread.join();
+  }
+  Helper(const Helper&) = delete;
+  Helper& operator=(const Helper&) = delete;
+
+ private:
+  SharedReading& mReading;
+  const Block mBuffer;
+  std::thread mThread;
+};
+
+// Answers when both threads have read all that there was to read for them.
+Failure ReadByTwo(const PB_OpenedFile& opened, SharedReading& reading, std::byte* buffer) {
+  const Helper helper(reading);
+  Host host(opened.size);
   bool areBlocksLeft = true;
   do {
-    areBlocksLeft = reading.TakeBlock(buffer.get());
+    areBlocksLeft = reading.TakeBlock(buffer);
     if (!host.KeepGoing(reading.Done())) reading.Fail(GivenUp);
   } while (areBlocksLeft);
   while (!reading.WaitForHelper(WaitBetweenPumps)) {
     if (!host.KeepGoing(reading.Done())) reading.Fail(GivenUp);
   }
-  helper.join();
-  if (const Failure failure = reading.Outcome(); failure.code != 0) return failure;
+  return reading.Outcome();
+}
+
+Failure TwoThreads(const PB_OpenedFile& opened, std::uint32_t& crc) {
+  const Block buffer = MakeBlock(BlockBytes);
+  SharedReading reading(opened);
+  try {
+    if (const Failure failure = ReadByTwo(opened, reading, buffer.get()); failure.code != 0)
+      return failure;
+  } catch (const std::system_error&) {
+    return OneThread(opened, crc);  // no thread is to be had
+  }
   crc = reading.Joined();
   return WhyItEnds(opened, opened.size, buffer.get());
 }

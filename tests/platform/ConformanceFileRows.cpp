@@ -139,6 +139,30 @@ void Positions(MachineUnderTest& ground) {
   ground.Get().Files().CloseHandle(opened.handle);
 }
 
+void ReadingAtAPosition(MachineUnderTest& ground) {
+  ground.MakeFile(u"file", "0123456789");
+  const Opened opened = Open(ground, u"file", GENERIC_READ, OPEN_EXISTING);
+  ASSERT_NE(opened.handle, INVALID_HANDLE);
+  FileInputOutput& files = ground.Get().Files();
+  EXPECT_EQ(ReadSome(ground, opened.handle, 2), "01");
+  ground.Get().SetLastError(9999);
+  std::string bytes(4, '-');
+  std::uint32_t done = 0;
+  const auto readAt = [&](std::int64_t position) {
+    return files.ReadFileAt(opened.handle, position, std::as_writable_bytes(std::span(bytes)),
+                            done);
+  };
+  EXPECT_EQ(readAt(7), 0U);
+  EXPECT_EQ(bytes, "789-");
+  EXPECT_EQ(done, 3U);
+  EXPECT_EQ(readAt(10), 0U);
+  EXPECT_EQ(done, 0U);
+  EXPECT_EQ(ground.Get().GetLastError(), 9999U);
+  EXPECT_EQ(ReadSome(ground, opened.handle, 2), "23");
+  files.CloseHandle(opened.handle);
+  EXPECT_EQ(readAt(0), ERROR_INVALID_HANDLE);
+}
+
 void PositionsBeyondFourGiB(MachineUnderTest& ground) {
   const std::int64_t size = 0x1'4000'0000;
   ground.MakeLongFile(u"file", static_cast<std::uint64_t>(size));
@@ -342,6 +366,8 @@ constexpr ConformanceRow rows[] = {
     {"PB_GetFileCrc32", "reading in sequence ends with a success of no bytes", ReadToTheEnd},
     {"cBinaryFileStream.ReadFromFile", "positions count from the beginning, here or the end",
      Positions},
+    {"PB_GetFileCrc32", "reading at a position moves nothing and answers its code",
+     ReadingAtAPosition},
     {"cBinaryFileStream.ReadFromFile", "positions above 4 GiB are reached", PositionsBeyondFourGiB},
     {"GetEncodingOfFile", "two handles of one file have positions of their own", OwnPositions},
     {"cFSXFile.LoadFileInfo", "facts by handle are those of the listing", InformationAgrees},

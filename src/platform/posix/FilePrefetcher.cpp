@@ -188,10 +188,24 @@ std::unique_ptr<PrefetchedFile> FilePrefetcher::Take(TextView path, Located& loc
   return nullptr;
 }
 
-// False when the patience was lost.
+// Reads one of the files that nobody has begun, where that cannot hang; false when there is none.
+bool FilePrefetcher::ServeOne() {
+  for (const auto& job : mJobs) {
+    if (!job->located.drive->kind.answers || !job->Claim(Job::State::Running)) continue;
+    UniqueFd root;
+    const Drive* rootOf = nullptr;
+    Serve(*mShared, *job, root, rootOf);
+    return true;
+  }
+  return false;
+}
+
+// False when the patience was lost. Until the file is there the time goes into those behind it.
 bool FilePrefetcher::AwaitEnd(Job& job) {
   const auto isDone = [&job] { return job.state == Job::State::Done; };
-  for (int turn = 0; turn < TurnsGivenAway && !isDone(); ++turn) std::this_thread::yield();
+  for (int turn = 0; turn < TurnsGivenAway && !isDone(); ++turn) {
+    if (!ServeOne()) std::this_thread::yield();
+  }
   if (isDone()) return true;
   std::unique_lock lock(mShared->mutex);
   mShared->awaited = &job;

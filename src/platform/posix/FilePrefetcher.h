@@ -62,6 +62,7 @@ class FilePrefetcher {
   void StartThreads();
   void LeaveBehind();
   void Post();
+  [[nodiscard]] bool ServeOne();
   [[nodiscard]] bool AwaitEnd(Job& job);
 
   const Settings mSettings;
