@@ -5,6 +5,7 @@
 #include "console/StandardStreams.h"
 #include "frame/ErrorReporting.h"
 #include "frame/TextTable.h"
+#include "fsobjects/cFSXFile.h"
 #include "fsobjects/modUnicode.h"
 #include "platform/Machine.h"
 #include "removal/history/HistoryCommands.h"
@@ -19,6 +20,13 @@ bool IsThere(const Text& path) {
   return TheMachine().Files().GetFileAttributesW(ToLongPath(path)) != INVALID_FILE_ATTRIBUTES;
 }
 
+// A file without an entry yet, which a full disk may leave, is as good as none.
+bool HasEntries(const Text& path) {
+  cFSXFile file;
+  file.SetPath(path);
+  return IsThere(path) && file.Size() != Currency();
+}
+
 ExitCode Clear(const Text& path) {
   ClearHistory();
   return IsThere(path) ? ExitCode::Refused : ExitCode::Done;
@@ -29,7 +37,7 @@ ExitCode Clear(const Text& path) {
 ExitCode RunHistory(const HistoryArguments& arguments) {
   const Text path = gHistory->FileSpec();
   if (arguments.clears) return Clear(path);
-  if (!IsThere(path)) {
+  if (!HasEntries(path)) {
     PrintError(ToUtf8(LoadResString(478)));
     return ExitCode::Done;
   }

@@ -10,6 +10,7 @@
 #include "filetypes/SearchFileTypeFilters.h"
 #include "frame/ErrorReporting.h"
 #include "frame/ProgramFlags.h"
+#include "frame/Pump.h"
 #include "fsobjects/modPaths.h"
 #include "platform/Machine.h"
 #include "search/cLocationCheck.h"
@@ -203,8 +204,13 @@ void TellPlacesNotEntered(const std::vector<Text>& locations) {
 }  // namespace
 
 ExitCode RunSearch(const SearchArguments& arguments, ProgramObjects& objects) {
-  std::vector<Text> locations = LocationsFrom(arguments.folders, arguments.withoutSubFolders);
-  const bool isAccepted = !locations.empty() && SetOptions(arguments, *gDupeSettings);
+  std::vector<Text> locations;
+  bool isAccepted = false;
+  {
+    const StoppablePart stoppable;
+    locations = LocationsFrom(arguments.folders, arguments.withoutSubFolders);
+    isAccepted = !locations.empty() && SetOptions(arguments, *gDupeSettings);
+  }
   if (ConsolePump::IsStopRequested()) return ExitCode::Stopped;
   if (!isAccepted) return ExitCode::Refused;
   ReadDupesFolderPathFromIniFile();

@@ -26,6 +26,10 @@ Clock::time_point Now() {
 }
 
 bool isPumping = false;
+int stoppableParts = 0;  // one may lie inside another
+
+constexpr Clock::duration kBetweenTwoWaits = std::chrono::seconds(1);
+constexpr Clock::duration kLongestWait = std::chrono::seconds(30);
 
 // Marks the pump as running, also when an event's handler raises.
 struct PumpingScope {
@@ -100,9 +104,21 @@ void DoEvents() {
   PumpAt(Now());
 }
 
+StoppablePart::StoppablePart() {
+  ++stoppableParts;
+}
+StoppablePart::~StoppablePart() {
+  --stoppableParts;
+}
+
 bool PumpingPatience::KeepWaiting() {
   DoEvents_Fast();
-  return !gUserAbort;
+  if (stoppableParts > 0) return !gUserAbort;
+  // Asked a hundred times a second during a wait, and not at all between two.
+  const Clock::time_point now = Now();
+  if (now - mLastAsked > kBetweenTwoWaits) mWaitBegan = now;
+  mLastAsked = now;
+  return now - mWaitBegan < kLongestWait;
 }
 
 }  // namespace quillmarsh

@@ -44,11 +44,24 @@ class PumpTimer {
 // The clock that the pump and its timers go by; an empty function gives the steady clock back.
 void SetPumpClock(std::function<std::chrono::steady_clock::time_point()> clock);
 
-// Keeps the program alive while a file system does not answer, and gives the operation up when the
-// user asks to stop.
+// Marks what the user's stop ends. Outside, gUserAbort may still stand from a stop that is over.
+class StoppablePart {
+ public:
+  StoppablePart();
+  ~StoppablePart();
+  StoppablePart(const StoppablePart&) = delete;
+  StoppablePart& operator=(const StoppablePart&) = delete;
+};
+
+// Keeps the program alive while a file system does not answer. In a stoppable part an operation is
+// given up when the user asks to stop, elsewhere (options, history) after half a minute.
 class PumpingPatience final : public Patience {
  public:
   bool KeepWaiting() override;
+
+ private:
+  std::chrono::steady_clock::time_point mWaitBegan;
+  std::chrono::steady_clock::time_point mLastAsked;
 };
 
 }  // namespace quillmarsh

@@ -7,6 +7,7 @@
 #include <array>
 #include <exception>
 #include <memory>
+#include <thread>
 
 #include "frame/ErrorReporting.h"
 #include "frame/ProgramFlags.h"
@@ -26,6 +27,10 @@ constexpr std::size_t kLongestErrorText = 1024;  // bytes
 
 PB_GetFileCrc32_Function getFileCrc32 = nullptr;
 std::exception_ptr pumpFailure;
+std::thread::id askingThread;
+// A checksum that is on the stack uses the library: whoever frees it from a pump waits for that.
+int runningChecksums = 0;
+bool isToBeFreed = false;
 
 // The library passes the path through unread, so each character is its low byte, whatever the code
 // page says of it.
@@ -47,6 +52,13 @@ std::int32_t LastErrorOr(std::uint32_t otherwise) {
   return static_cast<std::int32_t>(code != 0 ? code : otherwise);
 }
 
+// An exception out of an event that ran while the disk was waited for is kept. On the second thread
+// nothing pumps, and what is raised there is a lack of memory.
+std::int32_t Failed() {
+  if (std::this_thread::get_id() == askingThread) pumpFailure = std::current_exception();
+  return static_cast<std::int32_t>(ERROR_NOT_ENOUGH_MEMORY);
+}
+
 std::int32_t Open(void*, const char* path, std::uint32_t length, PB_OpenedFile* opened) {
   try {
     const RedirectionOff redirection;
@@ -64,7 +76,7 @@ std::int32_t Open(void*, const char* path, std::uint32_t length, PB_OpenedFile* 
     opened->file = file.release();
     return 0;
   } catch (...) {
-    return static_cast<std::int32_t>(ERROR_NOT_ENOUGH_MEMORY);
+    return Failed();
   }
 }
 
@@ -75,7 +87,7 @@ std::int32_t Read(void*, void* file, std::int64_t position, void* buffer, std::u
     return static_cast<std::int32_t>(TheMachine().Files().ReadFileAt(
         handle, position, {static_cast<std::byte*>(buffer), length}, *done));
   } catch (...) {
-    return static_cast<std::int32_t>(ERROR_NOT_ENOUGH_MEMORY);
+    return Failed();
   }
 }
 
@@ -130,6 +142,12 @@ void LoadChecksumLibrary() {
 }
 
 void FreeChecksumLibrary() {
+  if (runningChecksums > 0) {
+    isToBeFreed = true;
+    gStopCRC = true;
+    return;
+  }
+  isToBeFreed = false;
   Modules& process = TheMachine().Process();
   getFileCrc32 = nullptr;
   const Text fileName = process.ModuleFileName(kModule);
@@ -141,15 +159,32 @@ void FreeChecksumLibrary() {
   }
 }
 
+namespace {
+
+class RunningChecksum {
+ public:
+  RunningChecksum() { ++runningChecksums; }
+  ~RunningChecksum() {
+    --runningChecksums;
+    if (isToBeFreed) FreeChecksumLibrary();
+  }
+  RunningChecksum(const RunningChecksum&) = delete;
+  RunningChecksum& operator=(const RunningChecksum&) = delete;
+};
+
+}  // namespace
+
 LibraryChecksum AskLibraryForCRC32(TextView path) {
-  if (getFileCrc32 == nullptr) throw RuntimeError(runtime_error::FileNotFound);
+  if (getFileCrc32 == nullptr || isToBeFreed) throw RuntimeError(runtime_error::FileNotFound);
   std::string narrow = NarrowPath(path);
   PB_NarrowText pathText{narrow.data(), static_cast<std::uint32_t>(narrow.size()),
                          static_cast<std::uint32_t>(narrow.size())};
   std::array<char, kLongestErrorText> words;
   PB_NarrowText errorText{words.data(), 0, static_cast<std::uint32_t>(words.size())};
   LibraryChecksum answer;
+  const RunningChecksum running;
   pumpFailure = nullptr;
+  askingThread = std::this_thread::get_id();
   answer.value = getFileCrc32(pathText, answer.errorNumber, errorText);
   if (pumpFailure) std::rethrow_exception(std::exchange(pumpFailure, nullptr));
   if (answer.errorNumber == 0) return answer;

@@ -10,7 +10,8 @@ namespace quillmarsh {
 // Loads the module from gAppPath and lends it its callbacks. A failure raises error 0x80040000 with
 // the source "modQuillmarsh.Main", which names the file.
 void LoadChecksumLibrary();
-// Takes the callbacks back and frees the module until it is gone.
+// Takes the callbacks back and frees the module until it is gone; out of an event during a
+// checksum, as soon as that has given up.
 void FreeChecksumLibrary();
 
 struct LibraryChecksum {

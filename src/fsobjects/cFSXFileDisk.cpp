@@ -246,6 +246,8 @@ std::int32_t cFSXFile::CRC32() {
       std::int32_t errorNumber = 0;
       Text errorText;
       const std::int32_t value = GetFileCRC32(Path(), errorFlag, errorNumber, errorText);
+      // A stopped reading knows nothing, so the next question reads anew.
+      if (!errorFlag && gStopCRC) return mCRC32;
       // -1 is also a checksum like any other.
       const bool failed = value == kChecksumFailed && errorNumber != 0;
       mCRC32 = failed ? 0 : value;

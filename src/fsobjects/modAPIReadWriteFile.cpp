@@ -55,6 +55,8 @@ bool FlushAndClose(FileHandle& file) {
   return TheMachine().Files().CloseHandle(file.Release()) && flushed;
 }
 
+constexpr std::array<std::byte, 1> kMissingHalf{};
+
 struct FileSizeWords {
   std::uint32_t high = 0;
   std::uint32_t low = 0;
@@ -156,6 +158,10 @@ bool AppendText(TextView fileSpec, TextView text, TextEncoding encoding) {
   if (!files.GetFileInformationByHandle(file.Get(), information)) return false;
   const bool isEmpty = information.nFileSizeHigh == 0 && information.nFileSizeLow == 0;
   if (isEmpty && !WriteBOM(file.Get(), encoding)) return false;
+  // A batch that broke off within a character would shift all that follow.
+  const bool isTorn =
+      encoding == TextEncoding::Utf16LittleEndian && information.nFileSizeLow % 2 != 0;
+  if (isTorn && !WriteAll(file.Get(), Bytes(kMissingHalf))) return false;
   const Bytes bytes = MemoryOf(text).first(CountedBytes(text, encoding));
   return WriteAll(file.Get(), bytes) && FlushAndClose(file);
 }

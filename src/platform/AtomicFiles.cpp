@@ -9,6 +9,9 @@
 namespace quillmarsh {
 namespace {
 
+// No such file is longer; one that is has come to be it by accident, and would take all memory.
+constexpr std::size_t kMostBytesRead = std::size_t{64} << 20U;
+constexpr std::uint32_t ERROR_FILE_TOO_LARGE = 223;
 constexpr std::uint32_t kShareAll = FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE;
 constexpr std::size_t kBlockBytes = std::size_t{1} << 18U;
 constexpr std::size_t kLongestPlainPath = 248;
@@ -106,6 +109,10 @@ bool ReadFileContents(Machine& machine, TextView path, std::uint32_t share, std:
     const auto room = std::as_writable_bytes(std::span(bytes).subspan(before));
     if (!machine.Files().ReadFile(file.Get(), room, done)) return false;
     bytes.resize(before + done);
+    if (bytes.size() > kMostBytesRead) {
+      machine.SetLastError(ERROR_FILE_TOO_LARGE);
+      return false;
+    }
   }
   return true;
 }

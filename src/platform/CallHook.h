@@ -128,13 +128,9 @@ class Role {
     if (mState->hook == nullptr) [[likely]]
       return body();
     const std::uint32_t kept = mState->lastError;
-    std::uint32_t code = 0;
-    if (const auto failure = mState->hook->Before(operation, subject)) {
-      code = *failure;
-    } else {
-      code = body();
-      mState->hook->After(operation, subject, code == 0);
-    }
+    const std::optional<std::uint32_t> failure = mState->hook->Before(operation, subject);
+    const std::uint32_t code = failure ? *failure : body();
+    if (!failure) mState->hook->After(operation, subject, code == 0);
     mState->lastError = kept;
     return code;
   }

@@ -10,6 +10,7 @@
 namespace quillmarsh {
 namespace {
 
+constexpr std::string_view kUtf16Mark = "\xFF\xFE";
 constexpr std::uint32_t kShareAll = FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE;
 
 // Empty, with the last error set, where a bare name has no folder to lie in.
@@ -83,6 +84,15 @@ std::int32_t NumberAtStart(TextView text) {
   return static_cast<std::int32_t>(isNegative ? 0U - number : number);
 }
 
+std::string Widened(std::string_view bytes) {
+  std::string wide(kUtf16Mark);
+  for (const char16_t unit : FromCodePage1252(bytes)) {
+    wide += static_cast<char>(unit & 0xFFU);
+    wide += static_cast<char>(unit >> 8U);
+  }
+  return wide;
+}
+
 std::uint32_t ValueInto(const ProfileText& text, TextView section, TextView key,
                         TextView defaultText, std::span<char16_t> buffer) {
   if (buffer.empty()) return 0;
@@ -133,15 +143,16 @@ bool WritePrivateProfileSectionW(Machine& machine, TextView section, TextView en
                        [&](ProfileText& text) { text.SetSection(section, entries); });
 }
 
-ProfileBatch::ProfileBatch(Machine& machine, TextView fileName)
+ProfileBatch::ProfileBatch(Machine& machine, TextView fileName, Encoding encoding)
     : mMachine(machine), mPath(PathOfProfile(machine, fileName)), mText(std::string_view()) {
-  if (ReadFileContents(machine, mPath, kShareAll, mBytes)) {
-    mText = ProfileText(mBytes);
-  } else {
+  if (!ReadFileContents(machine, mPath, kShareAll, mBytes)) {
     // Nothing but this may be taken for an empty file: the rest of it would be lost.
     const std::uint32_t code = machine.GetLastError();
     mReadError = code == ERROR_FILE_NOT_FOUND ? ERROR_SUCCESS : code;
+    mBytes.clear();
   }
+  const bool isWidened = encoding == Encoding::Utf16 && !mBytes.starts_with(kUtf16Mark);
+  mText = ProfileText(isWidened ? Widened(mBytes) : mBytes);
 }
 
 std::uint32_t ProfileBatch::GetString(TextView section, TextView key, TextView defaultText,

@@ -44,7 +44,9 @@ std::uint32_t GetPrivateProfileStringW(Machine& machine, TextView section, TextV
 // file on the disk is the whole old one or the whole new one.
 class ProfileBatch {
  public:
-  ProfileBatch(Machine& machine, TextView fileName);
+  // As the file is, or as UTF-16 whatever it is.
+  enum class Encoding { AsItIs, Utf16 };
+  ProfileBatch(Machine& machine, TextView fileName, Encoding encoding);
 
   // As the two calls of the like names.
   std::uint32_t GetString(TextView section, TextView key, TextView defaultText,

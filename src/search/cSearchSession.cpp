@@ -48,15 +48,7 @@ SearchOutcome cSearchSession::FindDuplicateFiles() {
   // Cleared here and nowhere later in a search: from now on a stop is not to be lost.
   gUserAbort = false;
   bool isRefused = false;
-  bool isWhole = Guarded(u"frmFindDuplicates.FindDuplicateFiles", [&] {
-    isRefused = !IsCriteriaValid();
-    if (!isRefused) Search();
-  });
-  if (!isWhole) mResults.ResetModuleLevelArraysForNewSearch();
-  // Reached on every way, also after a refused start, which has no begin entry.
-  mView.StopAnimation();
-  cDuplicateGrouping grouping(mResults, mView);
-  isWhole = grouping.ShowDupes(mSearchedFolders, mFilesSearched) && isWhole;
+  const bool isWhole = SearchAndGroup(isRefused);
   DoEvents_Fast();
   AddToLog(log_kind::EndSearch);
   if (gLog != nullptr) {
@@ -66,6 +58,20 @@ SearchOutcome cSearchSession::FindDuplicateFiles() {
   if (gUserAbort) return SearchOutcome::Stopped;
   if (isRefused) return SearchOutcome::Refused;
   return isWhole ? SearchOutcome::Complete : SearchOutcome::Failed;
+}
+
+// False when something was reported as failed.
+bool cSearchSession::SearchAndGroup(bool& isRefused) {
+  const StoppablePart stoppable;
+  const bool isSearched = Guarded(u"frmFindDuplicates.FindDuplicateFiles", [&] {
+    isRefused = !IsCriteriaValid();
+    if (!isRefused) Search();
+  });
+  if (!isSearched) mResults.ResetModuleLevelArraysForNewSearch();
+  // Reached on every way, also after a refused start, which has no begin entry.
+  mView.StopAnimation();
+  cDuplicateGrouping grouping(mResults, mView);
+  return grouping.ShowDupes(mSearchedFolders, mFilesSearched) && isSearched;
 }
 
 bool cSearchSession::IsCriteriaValid() {

@@ -24,6 +24,7 @@ class cSearchSession {
   SearchOutcome FindDuplicateFiles();
 
   // Fills mSelectedFolders and shows its own messages.
+  [[nodiscard]] bool SearchAndGroup(bool& isRefused);
   [[nodiscard]] bool IsCriteriaValid();
 
   // Files looked at in the last search, whether they were kept or not.

@@ -103,8 +103,8 @@ void CIniFile::SetStringValue(TextView value) {
     TellFailure(Write::SetStringValue);
 }
 
-void CIniFile::BeginBatch() {
-  mBatch.emplace(TheMachine(), ToLongPath(mFullPath));
+void CIniFile::BeginBatch(ProfileBatch::Encoding encoding) {
+  mBatch.emplace(TheMachine(), ToLongPath(mFullPath), encoding);
 }
 
 void CIniFile::EndBatch() {

@@ -36,7 +36,7 @@ class CIniFile {
   // From now on values are read from a copy of the file that is made here, and SetStringValue
   // changes the copy; EndBatch writes it in one go and tells a failure as SetStringValue does. An
   // object that goes without EndBatch has written nothing. Path and Name must be set.
-  void BeginBatch();
+  void BeginBatch(ProfileBatch::Encoding encoding);
   void EndBatch();
 
   // The default for a missing key and for an empty value alike. At most 16,383 characters; a longer

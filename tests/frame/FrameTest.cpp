@@ -144,5 +144,28 @@ TEST(Pump, RunsOnlyWhenSomethingWaitsAndNeverWithinItself) {
   gViews = {};
 }
 
+TEST(Pump, AWaitForTheDiskEndsWithTheStopWhereThatIsStoppableAndElsewhereAfterHalfAMinute) {
+  MachineFixture fixture;
+  std::chrono::steady_clock::time_point now{std::chrono::hours(1)};
+  SetPumpClock([&now] { return now; });
+  gUserAbort = true;  // of a stop that may be over
+  PumpingPatience patience;
+  for (int wait = 0; wait < 2; ++wait) {
+    int seconds = 0;
+    for (; patience.KeepWaiting(); ++seconds) now += std::chrono::seconds(1);
+    EXPECT_EQ(seconds, 30) << "wait " << wait;
+    now += std::chrono::minutes(1);
+  }
+  {
+    const StoppablePart part;
+    EXPECT_FALSE(patience.KeepWaiting());
+    gUserAbort = false;
+    EXPECT_TRUE(patience.KeepWaiting());
+    now += std::chrono::hours(1);
+    EXPECT_TRUE(patience.KeepWaiting());
+  }
+  SetPumpClock({});
+}
+
 }  // namespace
 }  // namespace quillmarsh

@@ -193,6 +193,19 @@ TEST_F(FileChecksum, NoExceptionOfAnEventCrossesTheBorder) {
 }
 
 // A disk that takes 40 milliseconds for a block of 128 KiB has the queue asked at each.
+TEST_F(FileChecksum, AnEventThatFreesTheLibraryStopsTheChecksumFirst) {
+  Put(kNarrow, FileContents::Recipe(1, 300'000));
+  LetReadsTake(40ms);
+  onPump = [this] {
+    FreeChecksumLibrary();
+    EXPECT_NE(machine.Process().GetModuleHandleW(u"pbcrc32.dll"), NULL_HANDLE);
+  };
+  EXPECT_EQ(Ask(kNarrow), "stopped");
+  EXPECT_EQ(pumps, 1);
+  EXPECT_EQ(machine.Process().GetModuleHandleW(u"pbcrc32.dll"), NULL_HANDLE);
+  EXPECT_EQ(Ask(kNarrow), "error 53");
+}
+
 TEST_F(FileChecksum, EventsRunBetweenAnyTwoBlocks) {
   LetReadsTake(40ms);
   for (const TextView path : kBothWays) {

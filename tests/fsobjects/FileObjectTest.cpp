@@ -316,6 +316,10 @@ TEST_F(FileObject, ChecksumIsReadOnceAndIs0ForWhatCannotBeRead) {
   EXPECT_EQ(At(u"C:\\missing").CRC32(), 0);
   hook.Fail({.operation = Operation::ReadFile}, ERROR_IO_DEVICE);
   EXPECT_EQ(At(u"C:\\a.txt").CRC32(), 0);
+  cFSXFile stopped = At(u"C:\\a.txt");
+  hook.RunBefore({.operation = Operation::ReadFile}, [] { gStopCRC = true; });
+  EXPECT_EQ(stopped.CRC32(), 0);
+  EXPECT_NE(stopped.CRC32(), 0) << "what a stop left unknown is asked again";
   FreeChecksumLibrary();
 }
 

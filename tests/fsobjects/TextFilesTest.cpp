@@ -81,6 +81,14 @@ TEST_F(TextFiles, GrowByAppendingWithOneMark) {
                           "a\0\r\0\n\0\x2D\x4E"));
 }
 
+TEST_F(TextFiles, AppendGoesOnWithWholeCharactersBehindABatchThatBrokeOff) {
+  machine.AddFile(kPath, Raw("\xFF\xFE"
+                             "a\0b"));
+  EXPECT_TRUE(AppendStringToFile(kPath, u"cd", Utf16LittleEndian));
+  EXPECT_EQ(OnDisk(), Raw("\xFF\xFE"
+                          "a\0b\0c\0d\0"));
+}
+
 // Required as it is: whatever the encoding, it is the UTF-16 form that is written, for 8-bit text
 // its first half.
 TEST_F(TextFiles, AppendWritesUtf16InEveryEncoding) {

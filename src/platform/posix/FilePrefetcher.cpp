@@ -13,6 +13,7 @@
 #include <chrono>
 #include <condition_variable>
 #include <mutex>
+#include <system_error>
 
 #include "platform/Machine.h"
 
@@ -25,6 +26,10 @@ constexpr std::size_t PostedAtOnce = 32;
 constexpr std::size_t TakenAtOnce = 8;
 // A short file is read in some microseconds, for which it is not worth to fall asleep.
 constexpr int TurnsGivenAway = 64;
+// How old a beginning may be that passes for the file's own.
+constexpr std::chrono::seconds StaysFresh{1};
+// The longest that a wait for one file is spent on others, without a look at the patience.
+constexpr std::chrono::milliseconds LongestDetour{10};
 constexpr std::chrono::milliseconds AskInterval{10};
 constexpr std::chrono::milliseconds FarewellLimit{200};
 
@@ -54,7 +59,9 @@ struct FilePrefetcher::Job {
   Text path;
   Located located;
   std::atomic<State> state = State::Waiting;  // leaves Waiting once, by whoever claims the file
-  std::unique_ptr<PrefetchedFile> file;       // of the thread that runs it, until it is done
+  // Of the thread that runs it, until it is done.
+  std::unique_ptr<PrefetchedFile> file;
+  std::chrono::steady_clock::time_point readAt;
 
   [[nodiscard]] bool Claim(State claimed) {
     State waiting = State::Waiting;
@@ -99,10 +106,14 @@ void FilePrefetcher::StartThreads() {
   mShared->beforeFile = mSettings.beforeFile;
   const unsigned count =
       std::clamp(std::thread::hardware_concurrency(), FewestThreads, MostThreads);
-  for (unsigned i = 0; i < count; ++i) {
-    const std::lock_guard lock(mShared->mutex);
-    mThreads.emplace_back([shared = mShared] { Work(shared); });
-    ++mShared->running;
+  try {
+    for (unsigned i = 0; i < count; ++i) {
+      const std::lock_guard lock(mShared->mutex);
+      mThreads.emplace_back([shared = mShared] { Work(shared); });
+      ++mShared->running;
+    }
+  } catch (const std::system_error&) {
+    // With fewer threads, or with none, the caller reads the more by himself.
   }
 }
 
@@ -132,14 +143,20 @@ void FilePrefetcher::Work(const std::shared_ptr<Shared>& shared) {
   shared->news.notify_all();
 }
 
+// However it ends, the file is done: the caller may be waiting for that.
 void FilePrefetcher::Serve(Shared& shared, Job& job, UniqueFd& root, const Drive*& rootOf) {
-  if (shared.beforeFile) shared.beforeFile(job.path);
-  // The drive is kept from going by the job's own table, and files of one batch mostly share it.
-  if (rootOf != job.located.drive) {
-    const bool isOpen = shared.resolver->OpenRoot(*job.located.drive, root) == ERROR_SUCCESS;
-    rootOf = isOpen ? job.located.drive : nullptr;
+  try {
+    if (shared.beforeFile) shared.beforeFile(job.path);
+    // The drive is kept from going by the job's own table, and files of one batch mostly share it.
+    if (rootOf != job.located.drive) {
+      const bool isOpen = shared.resolver->OpenRoot(*job.located.drive, root) == ERROR_SUCCESS;
+      rootOf = isOpen ? job.located.drive : nullptr;
+    }
+    if (rootOf != nullptr) job.file = ReadBeginning(*shared.resolver, root.Get(), job.located);
+  } catch (const std::exception&) {
+    job.file = nullptr;
   }
-  if (rootOf != nullptr) job.file = ReadBeginning(*shared.resolver, root.Get(), job.located);
+  job.readAt = std::chrono::steady_clock::now();
   job.state = Job::State::Done;
   if (shared.awaited != &job) return;
   const std::lock_guard lock(shared.mutex);
@@ -181,11 +198,18 @@ std::unique_ptr<PrefetchedFile> FilePrefetcher::Take(TextView path, Located& loc
   const std::shared_ptr<Job> job = std::move(*found);
   mJobs.erase(found);
   located = job->located;
-  if (job->Claim(Job::State::Claimed)) return nullptr;
-  if (AwaitEnd(*job)) return std::move(job->file);
-  LeaveBehind();
-  error = ERROR_OPERATION_ABORTED;
-  return nullptr;
+  if (job->Claim(Job::State::Claimed)) {
+    // The helpers have nothing left, or they would have begun it.
+    if (!mUnposted.empty()) Post();
+    return nullptr;
+  }
+  if (!AwaitEnd(job)) {
+    error = ERROR_OPERATION_ABORTED;
+    return nullptr;
+  }
+  // A long file before this one may have taken hours.
+  if (std::chrono::steady_clock::now() - job->readAt > StaysFresh) return nullptr;
+  return std::move(job->file);
 }
 
 // Reads one of the files that nobody has begun, where that cannot hang; false when there is none.
@@ -201,21 +225,28 @@ bool FilePrefetcher::ServeOne() {
 }
 
 // False when the patience was lost. Until the file is there the time goes into those behind it.
-bool FilePrefetcher::AwaitEnd(Job& job) {
-  const auto isDone = [&job] { return job.state == Job::State::Done; };
+bool FilePrefetcher::AwaitEnd(const std::shared_ptr<Job>& job) {
+  const auto isDone = [&job] { return job->state == Job::State::Done; };
+  const auto detourEnds = std::chrono::steady_clock::now() + LongestDetour;
   for (int turn = 0; turn < TurnsGivenAway && !isDone(); ++turn) {
+    if (std::chrono::steady_clock::now() > detourEnds) break;
     if (!ServeOne()) std::this_thread::yield();
   }
   if (isDone()) return true;
-  std::unique_lock lock(mShared->mutex);
-  mShared->awaited = &job;
-  while (!mShared->news.wait_for(lock, AskInterval, isDone)) {
+  // A patience may run other commands, which may leave these threads behind.
+  const std::shared_ptr<Shared> shared = mShared;
+  std::unique_lock lock(shared->mutex);
+  shared->awaited = job.get();
+  while (!shared->news.wait_for(lock, AskInterval, isDone)) {
     lock.unlock();
     Patience* const patience = mSettings.patience ? mSettings.patience() : nullptr;
-    if (patience != nullptr && !patience->KeepWaiting()) return false;
+    if (patience != nullptr && !patience->KeepWaiting()) {
+      if (shared == mShared) LeaveBehind();
+      return false;
+    }
     lock.lock();
   }
-  mShared->awaited = nullptr;
+  shared->awaited = nullptr;
   return true;
 }
 

@@ -1,8 +1,9 @@
 // SPDX-License-Identifier: MIT
 // Opens files that will be wanted soon, in the order of the hints, and reads their beginnings, on
-// threads of its own. What was not begun when a file is wanted stays with the caller, who is not
-// slower for the hint. A thread that hangs in a file system that does not answer is left behind
-// with all that it uses. All functions are for one thread, the caller's.
+// threads of its own; a caller who has to wait for one of them reads others meanwhile. What was not
+// begun when a file is wanted stays with the caller, who is not slower for the hint. A thread that
+// hangs in a file system that does not answer is left behind with all that it uses. All functions
+// are for one thread, the caller's.
 #pragma once
 
 #include <cstddef>
@@ -32,7 +33,7 @@ class FilePrefetcher {
   struct Settings {
     std::shared_ptr<const PathResolver> resolver;
     std::function<Patience*()> patience;
-    std::function<void(TextView)> beforeFile;  // on the helper thread
+    std::function<void(TextView)> beforeFile;  // on the thread that reads the file
   };
 
   // What a hint may cost: files that wait open, and bytes of the head of each.
@@ -63,7 +64,7 @@ class FilePrefetcher {
   void LeaveBehind();
   void Post();
   [[nodiscard]] bool ServeOne();
-  [[nodiscard]] bool AwaitEnd(Job& job);
+  [[nodiscard]] bool AwaitEnd(const std::shared_ptr<Job>& job);
 
   const Settings mSettings;
   std::shared_ptr<Shared> mShared;  // null until the first hint

@@ -4,7 +4,9 @@
 
 #include <chrono>
 #include <condition_variable>
+#include <exception>
 #include <mutex>
+#include <utility>
 
 #include "platform/Machine.h"
 
@@ -20,6 +22,7 @@ struct PatientWorker::Shared {
   std::mutex mutex;
   std::condition_variable changed;
   std::function<void()> job;
+  std::exception_ptr failure;  // out of the last job
   bool busy = false;
   bool done = false;
   bool quit = false;
@@ -57,9 +60,15 @@ void PatientWorker::Work(const std::shared_ptr<Shared>& shared) {
     std::function<void()> job = std::move(shared->job);
     shared->job = nullptr;
     lock.unlock();
-    job();
+    std::exception_ptr failure;
+    try {
+      job();
+    } catch (...) {
+      failure = std::current_exception();
+    }
     job = nullptr;  // what the job owns may take its time to go, too
     lock.lock();
+    shared->failure = failure;
     shared->busy = false;
     shared->done = true;
     shared->changed.notify_all();
@@ -87,18 +96,32 @@ bool PatientWorker::RunOnThread(std::function<void()> job, GivingUp givingUp) {
   if (shared->busy) return false;
   shared->busy = true;
   shared->done = false;
+  shared->failure = nullptr;
   shared->job = std::move(job);
   shared->changed.notify_all();
+  std::exception_ptr interruption;
   while (!shared->changed.wait_for(lock, AskInterval, [&] { return shared->done; })) {
     lock.unlock();
-    Patience* const patience = mPatience ? mPatience() : nullptr;
-    const bool keep = patience == nullptr || patience->KeepWaiting();
+    bool keep = true;
+    try {
+      Patience* const patience = mPatience ? mPatience() : nullptr;
+      keep = patience == nullptr || patience->KeepWaiting();
+    } catch (...) {
+      // A job that is waited for may use what the caller owns, so it has to end first.
+      interruption = std::current_exception();
+      keep = false;
+    }
     if (!keep && givingUp == GivingUp::Allowed) {
       LetGo();
+      if (interruption) std::rethrow_exception(interruption);
       return false;
     }
     lock.lock();
   }
+  const std::exception_ptr failure = std::exchange(shared->failure, nullptr);
+  lock.unlock();
+  if (interruption) std::rethrow_exception(interruption);
+  if (failure) std::rethrow_exception(failure);
   return true;
 }
 

@@ -19,6 +19,7 @@ class PatientWorker {
   PatientWorker(const PatientWorker&) = delete;
   PatientWorker& operator=(const PatientWorker&) = delete;
 
+  // What a job raises is raised here, and what the patience raises too.
   // False when it was given up; the job may still end some day.
   [[nodiscard]] bool Run(std::function<void()> job);
   // Asks the patience as well, so that the program stays alive, but waits for the end whatever it

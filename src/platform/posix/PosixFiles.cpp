@@ -67,10 +67,15 @@ std::uint32_t PosixFiles::Open(TextView path, const OpenRequest& request, OpenFi
     return ERROR_SUCCESS;
   }
   OpenedFile opened;
-  error = mContext.Run(file.answers, opened,
-                       [resolver = mContext.resolver, located, request](OpenedFile& result) {
-                         return OpenFileAt(*resolver, located, request, result);
-                       });
+  const auto open = [resolver = mContext.resolver, located, request](OpenedFile& result) {
+    return OpenFileAt(*resolver, located, request, result);
+  };
+  error = mContext.Run(file.answers, opened, open);
+  if (error == ERROR_TOO_MANY_OPEN_FILES) {
+    // Some of them only wait to be taken up.
+    mPrefetcher.DropHints();
+    error = mContext.Run(file.answers, opened, open);
+  }
   file.fd = std::make_shared<UniqueFd>(std::move(opened.fd));
   if (onlyReads) file.facts = opened.facts;
   existed = opened.existed;

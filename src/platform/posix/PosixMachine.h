@@ -30,7 +30,7 @@ struct PosixOptions {
   std::size_t bufferedBytes = std::size_t{16} << 20U;
   // Called on the reading thread before a folder is opened, with its path.
   std::function<void(TextView)> beforeFolder;
-  // Called on a helper thread before a file is opened ahead of its use, with its path.
+  // Called before a file is opened ahead of its use, with its path, mostly on a helper thread.
   std::function<void(TextView)> beforeFile;
   // Answers GetQueueStatus; without one no event ever waits.
   std::function<std::uint32_t(std::uint32_t)> queueStatus;

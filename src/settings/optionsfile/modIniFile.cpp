@@ -102,26 +102,16 @@ Text AsStored(TextView value) {
 }
 
 // One open section of the file; what is written and read is text. The file is read once, and what
-// was written goes to the disk all together at the end, also when an error ends the writing early.
-// A user without a folder for it has no file: everything is as by default, and nothing is kept.
+// was written goes to the disk all together with Save. A user without a folder for it has no file:
+// everything is as by default, and nothing is kept.
 class Section {
  public:
-  // To write everything the file must be able to hold any path.
-  enum class Purpose { Read, Write, WriteEverything };
-
-  explicit Section(Purpose purpose) : mPurpose(purpose), mFolder(GetIniFileFolder()) {
+  explicit Section(ProfileBatch::Encoding encoding) : mFolder(GetIniFileFolder()) {
     mFile.SetPath(mFolder);
     mFile.SetName(GetIniFileName());
-    if (mFolder.empty()) return;
-    if (purpose == Purpose::WriteEverything && !mFile.IsUTF16())
-      static_cast<void>(mFile.ConvertToUTF16());
-    mFile.BeginBatch();
+    if (!mFolder.empty()) mFile.BeginBatch(encoding);
   }
-  ~Section() {
-    if (mPurpose != Purpose::Read) mFile.EndBatch();
-  }
-  Section(const Section&) = delete;
-  Section& operator=(const Section&) = delete;
+  void Save() { mFile.EndBatch(); }
 
   void Begin(TextView name) { mFile.SetSection(name); }
 
@@ -156,7 +146,6 @@ class Section {
   }
 
  private:
-  const Purpose mPurpose;
   const Text mFolder;
   CIniFile mFile;
 };
@@ -273,6 +262,16 @@ void WriteFileTypes(Section& section, const cCommonFileTypes& types) {
   }
 }
 
+// What was written before an error is saved all the same.
+template <typename Body>
+void WriteAndSave(TextView source, ProfileBatch::Encoding encoding, Body&& body) {
+  Guarded(source, [&] {
+    Section section(encoding);
+    Guarded(source, [&] { body(section); });
+    section.Save();
+  });
+}
+
 }  // namespace
 
 Text GetIniFileName() {
@@ -285,7 +284,7 @@ Text GetIniFileSpec() {
 
 void ReadProgramOptionsFromIniFile(ProgramOptionsForm& form) {
   Guarded(u"modIniFile.ReadProgramOptionsFromIniFile", [&form] {
-    Section section(Section::Purpose::Read);
+    Section section(ProfileBatch::Encoding::AsItIs);
     ReadOptions(section, *gDupeSettings, form);
     ReadWizardOptions(section, *gMarkForRemovalWizardOptions);
     ReadFileTypes(section, *gCommonFileTypes);
@@ -294,31 +293,32 @@ void ReadProgramOptionsFromIniFile(ProgramOptionsForm& form) {
 
 void ReadDupesFolderPathFromIniFile() {
   Guarded(u"modIniFile.ReadProgramOptionsFromIniFile", [] {
-    Section section(Section::Purpose::Read);
+    Section section(ProfileBatch::Encoding::AsItIs);
     section.Begin(kOptions);
     ReadDupesFolderPath(section);
   });
 }
 
 void SaveProgramOptionsToIniFile() {
-  Guarded(u"modIniFile.SaveProgramOptionsToIniFile", [] {
-    Section section(Section::Purpose::WriteEverything);
-    WriteOptions(section, *gDupeSettings);
-    WriteWizardOptions(section, *gMarkForRemovalWizardOptions);
-    WriteFileTypes(section, *gCommonFileTypes);
-  });
+  // UTF-16 whatever it was, so that every path can stand in it.
+  WriteAndSave(u"modIniFile.SaveProgramOptionsToIniFile", ProfileBatch::Encoding::Utf16,
+               [](Section& section) {
+                 WriteOptions(section, *gDupeSettings);
+                 WriteWizardOptions(section, *gMarkForRemovalWizardOptions);
+                 WriteFileTypes(section, *gCommonFileTypes);
+               });
 }
 
 void SaveFilterOptionsToIniFile(TextView IncludeFolders, TextView IncludeFiles,
                                 TextView ExcludeFolders, TextView ExcludeFiles) {
-  Guarded(u"modIniFile.SaveFilterOptionsToIniFile", [&] {
-    Section section(Section::Purpose::Write);
-    section.Begin(kOptions);
-    section.Write(kIncludeFolders.key, IncludeFolders);
-    section.Write(kIncludeFiles.key, IncludeFiles);
-    section.Write(kExcludeFolders.key, ExcludeFolders);
-    section.Write(kExcludeFiles.key, ExcludeFiles);
-  });
+  WriteAndSave(u"modIniFile.SaveFilterOptionsToIniFile", ProfileBatch::Encoding::AsItIs,
+               [&](Section& section) {
+                 section.Begin(kOptions);
+                 section.Write(kIncludeFolders.key, IncludeFolders);
+                 section.Write(kIncludeFiles.key, IncludeFiles);
+                 section.Write(kExcludeFolders.key, ExcludeFolders);
+                 section.Write(kExcludeFiles.key, ExcludeFiles);
+               });
 }
 
 }  // namespace quillmarsh

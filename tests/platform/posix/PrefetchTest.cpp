@@ -5,6 +5,7 @@
 
 #include <atomic>
 #include <filesystem>
+#include <new>
 #include <random>
 #include <semaphore>
 
@@ -86,6 +87,21 @@ TEST(Prefetch, FactsAreThoseOfTheMomentOnceTheFirstQuestionWasAnswered) {
   ASSERT_TRUE(machine.Files().GetFileInformationByHandle(file, facts));
   EXPECT_EQ(facts.nFileSizeLow, 2U);
   machine.Files().CloseHandle(file);
+}
+
+TEST(Prefetch, AFailureInTheBackgroundLeavesTheFileToTheCaller) {
+  TempTree tree;
+  TempTree scratch;
+  PosixOptions options = DriveAt(scratch, tree.Root());
+  options.beforeFile = [](TextView) { throw std::bad_alloc(); };
+  PosixMachine machine(options);
+  for (int i = 0; i < 100; ++i) {
+    tree.File("f" + std::to_string(i), "bytes");
+    machine.Files().ReadAhead(u"D:\\f" + DecimalText(i));
+  }
+  std::uint32_t error = 0;
+  for (int i = 0; i < 100; ++i)
+    EXPECT_EQ(ReadAll(machine, u"D:\\f" + DecimalText(i), error), "bytes");
 }
 
 class NoPatience final : public Patience {
