@@ -107,7 +107,9 @@ void AddSearchOptions(CLI::App& app, SearchArguments& search) {
          "Output: text (default), json, csv, null (paths ended by NUL, groups by an\nextra NUL)")
       ->check(CLI::IsMember(NamesOf(kFormats)).description(""))
       ->type_name("F");
-  auto* quiet = app.add_flag("--quiet", search.isQuiet, "No summary and no progress");
+  auto* quiet = app.add_flag(
+      "--quiet", search.isQuiet,
+      "The list alone: no summary, no progress, no word of other file systems\nbelow a folder");
   app.add_flag("--progress", search.showsProgress,
                "Progress on standard error, also where that is no terminal")
       ->excludes(quiet);
@@ -165,6 +167,7 @@ ParsedCommandLine ParseCommandLine(int argc, const char* const* argv) {
   CLI::App* historyCommand =
       app.add_subcommand("history", "Show the record of all searches and removals, or clear it");
   historyCommand->add_flag("--clear", history.clears, "Delete the record for good");
+  historyCommand->footer("");
   ParsedCommandLine parsed;
   try {
     std::vector<std::string> arguments = WithPlainFolders(*searchCommand, argc, argv);

@@ -2,7 +2,11 @@
 // Of all entries of the history, those that a person at a console has to know at once.
 #include "console/ConsoleLog.h"
 
+#include <utility>
+
 #include "console/StandardStreams.h"
+#include "frame/ErrorReporting.h"
+#include "platform/Machine.h"
 
 namespace quillmarsh {
 
@@ -27,6 +31,13 @@ void ConsoleLog::Add(std::int32_t kind, TextView spareText, TextView fileSpec, T
   PrintError((isFolder ? "could not read all of \"" : "could not read \"") + ToUtf8(fileSpec) +
              "\": " + (reason.empty() ? "unknown reason" : ToUtf8(reason)) + " (" +
              std::to_string(errorNumber) + ")");
+}
+
+void ConsoleLog::TellOfLostBatch() {
+  const std::uint32_t code = TheMachine().GetLastError();
+  if (std::exchange(mIsLossTold, true)) return;
+  PrintError("the history could not be written: " +
+             ToUtf8(WithoutLineBreak(GetSystemErrorText(code))));
 }
 
 }  // namespace quillmarsh

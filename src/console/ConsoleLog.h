@@ -13,10 +13,14 @@ class ConsoleLog final : public cLog {
            std::int32_t errorNumber, TextView errorText, TextView customText,
            bool& result) override;
 
+  // The search goes on; that its record is lost is told once and is no error of the search.
+  void TellOfLostBatch() override;
+
   [[nodiscard]] std::int64_t ErrorCount() const { return mErrorCount; }
 
  private:
   std::int64_t mErrorCount = 0;
+  bool mIsLossTold = false;
 };
 
 }  // namespace quillmarsh

@@ -24,7 +24,8 @@ bool IsThere(const Text& path) {
 bool HasEntries(const Text& path) {
   cFSXFile file;
   file.SetPath(path);
-  return IsThere(path) && file.Size() != Currency();
+  constexpr std::int64_t kMarkBytes = 2;
+  return IsThere(path) && file.Size() > Currency::FromInteger(kMarkBytes);
 }
 
 ExitCode Clear(const Text& path) {
@@ -43,7 +44,9 @@ ExitCode RunHistory(const HistoryArguments& arguments) {
   }
   Text text = gLog->GetLogEntriesFromFile();
   if (text.empty()) {
-    PrintError("cannot read \"" + ToUtf8(TheMachine().Drives().ShownPath(path)) + "\"");
+    const Text reason = GetSystemErrorText(TheMachine().GetLastError());
+    PrintError("cannot read \"" + ToUtf8(TheMachine().Drives().ShownPath(path)) +
+               "\": " + ToUtf8(reason.substr(0, reason.find_first_of(u"\r\n"))));
     return ExitCode::Refused;
   }
   if (text.front() == u'\uFEFF') text.erase(0, 1);

@@ -119,7 +119,8 @@ std::vector<Text> FolderTextsFrom(const std::vector<std::string>& fragments) {
 
 // Folders to leave out, as the walk will name them.
 // One that is not there is a mistake: what a person wanted left out would be found.
-std::optional<std::vector<Text>> ExcludedFoldersFrom(const std::vector<std::string>& paths) {
+std::optional<std::vector<Text>> ExcludedFoldersFrom(const std::vector<std::string>& paths,
+                                                     const std::vector<Text>& locations) {
   std::vector<Text> texts;
   for (const std::string& path : paths) {
     const CanonicalLocation location = TheMachine().Drives().LocationFromNative(path);
@@ -128,6 +129,14 @@ std::optional<std::vector<Text>> ExcludedFoldersFrom(const std::vector<std::stri
       return std::nullopt;
     }
     texts.push_back(AddBackslash(location.path));
+    const bool leavesNothing = std::any_of(
+        locations.begin(), locations.end(),
+        [&](const Text& searched) { return AddBackslash(searched).starts_with(texts.back()); });
+    if (leavesNothing) {
+      PrintError("cannot exclude \"" + ShownArgument(path) +
+                 "\": a folder that is to be searched is this one or lies below it");
+      return std::nullopt;
+    }
   }
   return texts;
 }
@@ -147,8 +156,9 @@ bool SetFileNames(const SearchArguments& arguments, clsDupeSettings& settings) {
 }
 
 // False when an argument was refused, which has been told.
-bool SetOptions(const SearchArguments& arguments, clsDupeSettings& settings) {
-  const auto excluded = ExcludedFoldersFrom(arguments.excludeFolders);
+bool SetOptions(const SearchArguments& arguments, const std::vector<Text>& locations,
+                clsDupeSettings& settings) {
+  const auto excluded = ExcludedFoldersFrom(arguments.excludeFolders, locations);
   if (!excluded || !SetFileNames(arguments, settings)) return false;
   settings.SetIncludeSubFolders(!arguments.withoutSubFolders);
   if (!arguments.match.empty()) {
@@ -209,7 +219,7 @@ ExitCode RunSearch(const SearchArguments& arguments, ProgramObjects& objects) {
   {
     const StoppablePart stoppable;
     locations = LocationsFrom(arguments.folders, arguments.withoutSubFolders);
-    isAccepted = !locations.empty() && SetOptions(arguments, *gDupeSettings);
+    isAccepted = !locations.empty() && SetOptions(arguments, locations, *gDupeSettings);
   }
   if (ConsolePump::IsStopRequested()) return ExitCode::Stopped;
   if (!isAccepted) return ExitCode::Refused;

@@ -7,6 +7,7 @@
 #include <array>
 #include <exception>
 #include <memory>
+#include <optional>
 #include <thread>
 
 #include "frame/ErrorReporting.h"
@@ -59,20 +60,31 @@ std::int32_t Failed() {
   return static_cast<std::int32_t>(ERROR_NOT_ENOUGH_MEMORY);
 }
 
+// A file that is open for the library. Of a long one the write time is kept, since it may be
+// written to while it is read and have its old length in the end.
+struct OpenForLibrary {
+  explicit OpenForLibrary(HANDLE handle) : file(handle) {}
+  FileHandle file;
+  std::optional<FILETIME> written;
+};
+constexpr std::int64_t kReadAtOnce = 128 * 1024;  // bytes; a shorter file is read in one go
+bool hasChanged = false;
+
 std::int32_t Open(void*, const char* path, std::uint32_t length, PB_OpenedFile* opened) {
   try {
     const RedirectionOff redirection;
     FileInputOutput& files = TheMachine().Files();
-    auto file = std::make_unique<FileHandle>(
+    auto file = std::make_unique<OpenForLibrary>(
         files.CreateFileW(ToLongPath(WidePath(path, length)), GENERIC_READ, FILE_SHARE_READ,
                           OPEN_EXISTING, FILE_FLAG_SEQUENTIAL_SCAN));
-    if (!file->IsValid()) return LastErrorOr(ERROR_FILE_NOT_FOUND);
+    if (!file->file.IsValid()) return LastErrorOr(ERROR_FILE_NOT_FOUND);
     BY_HANDLE_FILE_INFORMATION information;
-    if (!files.GetFileInformationByHandle(file->Get(), information))
+    if (!files.GetFileInformationByHandle(file->file.Get(), information))
       return LastErrorOr(ERROR_IO_DEVICE);
     opened->size = static_cast<std::int64_t>((std::uint64_t{information.nFileSizeHigh} << 32U) |
                                              information.nFileSizeLow);
-    opened->mayReadOnTwoThreads = files.MayReadOnTwoThreads(file->Get()) ? 1 : 0;
+    opened->mayReadOnTwoThreads = files.MayReadOnTwoThreads(file->file.Get()) ? 1 : 0;
+    if (opened->size >= kReadAtOnce) file->written = information.ftLastWriteTime;
     opened->file = file.release();
     return 0;
   } catch (...) {
@@ -83,7 +95,7 @@ std::int32_t Open(void*, const char* path, std::uint32_t length, PB_OpenedFile* 
 std::int32_t Read(void*, void* file, std::int64_t position, void* buffer, std::uint32_t length,
                   std::uint32_t* done) {
   try {
-    const HANDLE handle = static_cast<FileHandle*>(file)->Get();
+    const HANDLE handle = static_cast<OpenForLibrary*>(file)->file.Get();
     return static_cast<std::int32_t>(TheMachine().Files().ReadFileAt(
         handle, position, {static_cast<std::byte*>(buffer), length}, *done));
   } catch (...) {
@@ -92,7 +104,11 @@ std::int32_t Read(void*, void* file, std::int64_t position, void* buffer, std::u
 }
 
 void Close(void*, void* file) {
-  const std::unique_ptr<FileHandle> closing(static_cast<FileHandle*>(file));
+  const std::unique_ptr<OpenForLibrary> closing(static_cast<OpenForLibrary*>(file));
+  if (!closing->written) return;
+  BY_HANDLE_FILE_INFORMATION information;
+  hasChanged = TheMachine().Files().GetFileInformationByHandle(closing->file.Get(), information) &&
+               information.ftLastWriteTime != *closing->written;
 }
 
 void ShowProgress(void*, const char* text, std::uint32_t length) {
@@ -184,9 +200,11 @@ LibraryChecksum AskLibraryForCRC32(TextView path) {
   LibraryChecksum answer;
   const RunningChecksum running;
   pumpFailure = nullptr;
+  hasChanged = false;
   askingThread = std::this_thread::get_id();
   answer.value = getFileCrc32(pathText, answer.errorNumber, errorText);
   if (pumpFailure) std::rethrow_exception(std::exchange(pumpFailure, nullptr));
+  if (answer.errorNumber == 0 && hasChanged) answer.errorNumber = PB_ERROR_FILE_CHANGED;
   if (answer.errorNumber == 0) return answer;
   answer.errorText = errorText.length == 0
                          ? GetSystemErrorText(static_cast<std::uint32_t>(answer.errorNumber))

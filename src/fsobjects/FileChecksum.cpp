@@ -62,19 +62,26 @@ std::int32_t Checked(bool& errorFlag, std::int32_t& errorNumber, Text& errorText
   return kChecksumFailed;
 }
 
-std::int64_t SizeOf(HANDLE file) {
+struct Facts {
+  std::int64_t size = 0;
+  FILETIME written;
+  friend bool operator==(const Facts&, const Facts&) = default;
+};
+Facts FactsOf(HANDLE file) {
   BY_HANDLE_FILE_INFORMATION information;
   if (!TheMachine().Files().GetFileInformationByHandle(file, information))
     RaiseLastError(ERROR_IO_DEVICE);
-  return static_cast<std::int64_t>((std::uint64_t{information.nFileSizeHigh} << 32U) |
-                                   information.nFileSizeLow);
+  const std::uint64_t high = information.nFileSizeHigh;
+  return {static_cast<std::int64_t>(high << 32U | information.nFileSizeLow),
+          information.ftLastWriteTime};
 }
 
 // The stream's own reading goes by positions that miss their place above 4 GiB; in sequence the
 // file's own position is always right.
 std::uint32_t ReadWhole(HANDLE file) {
   std::uint32_t crc = 0;
-  const std::int64_t size = SizeOf(file);
+  const Facts before = FactsOf(file);
+  const std::int64_t size = before.size;
   // A byte more than a short file has, so that its end shows at once.
   std::vector<std::byte> block(
       static_cast<std::size_t>(std::min<std::int64_t>(size, pbcrc32::BlockBytes - 1)) + 1);
@@ -95,7 +102,7 @@ std::uint32_t ReadWhole(HANDLE file) {
     if (clock.IsDue())
       PublishCRCProgressText(pbcrc32::ProgressText(position, size, clock.Seconds()));
   }
-  if (position != size) RaiseSystemError(kFileChanged);
+  if (position != size || FactsOf(file) != before) RaiseSystemError(kFileChanged);
   return crc;
 }
 

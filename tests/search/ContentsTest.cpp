@@ -60,6 +60,17 @@ TEST_F(Contents, FilesOfOneNameAreOneGroupWhereTheirContentsAreEqual) {
   EXPECT_EQ(view.summaries.at(0).NumDuplicatesFound, 2);
 }
 
+TEST_F(Contents, FilesOfDifferentSizeDifferWhateverTheirChecksums) {
+  MatchNames();
+  const std::string ones = "\xFF\xFF\xFF\xFF";
+  Put(u"1\\x", ones);
+  Put(u"2\\x", ones + std::string(1000, '\0'));
+  Put(u"3\\x", ones);
+  ASSERT_EQ(SearchData(), SearchOutcome::Complete);
+  EXPECT_EQ(results.Record(1).CRC32, results.Record(3).CRC32);
+  EXPECT_EQ(Groups(), (Groups_t{{"C:\\data\\1\\x", "C:\\data\\3\\x"}}));
+}
+
 TEST_F(Contents, OnlyFilesWithAPartnerAreReadAndEachOnce) {
   const FileContents large = FileContents::Recipe(1, 300'000);
   Put(u"a", large);

@@ -79,7 +79,8 @@ bool ComesBefore(const Forest& forest, const SearchCriteria& criteria, const Dup
   const bool isBUnreadable = forest.unreadable.contains(b.Name);
   if (isAUnreadable || isBUnreadable)
     return isAUnreadable && isBUnreadable ? a.Name < b.Name : isBUnreadable;
-  return a.CRC32 < b.CRC32;
+  if (a.CRC32 != b.CRC32) return a.CRC32 < b.CRC32;
+  return a.Size < b.Size;
 }
 
 TEST(RecordSort, OrdersLikeAPlainStableSortUnderEveryChoiceOfCriteria) {

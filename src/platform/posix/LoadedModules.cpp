@@ -3,7 +3,7 @@
 #include "platform/posix/LoadedModules.h"
 
 #include <dlfcn.h>
-#include <unistd.h>
+#include <sys/stat.h>
 
 #include <algorithm>
 
@@ -19,10 +19,12 @@ HANDLE HandleOf(void* library) {
 }  // namespace
 
 HANDLE LoadedModules::Load(const std::string& nativePath, std::uint32_t& code) {
-  void* const library = ::dlopen(nativePath.c_str(), RTLD_NOW | RTLD_LOCAL);
+  // The loader would wait for the other end of a FIFO.
+  struct stat facts {};
+  const bool isFile = ::stat(nativePath.c_str(), &facts) == 0 && S_ISREG(facts.st_mode);
+  void* const library = !isFile ? nullptr : ::dlopen(nativePath.c_str(), RTLD_NOW | RTLD_LOCAL);
   if (library == nullptr) {
-    const bool isThere = ::access(nativePath.c_str(), F_OK) == 0;
-    code = isThere ? ERROR_BAD_EXE_FORMAT : ERROR_MOD_NOT_FOUND;
+    code = isFile ? ERROR_BAD_EXE_FORMAT : ERROR_MOD_NOT_FOUND;
     return NULL_HANDLE;
   }
   auto module = std::ranges::find(mModules, library, &Module::library);

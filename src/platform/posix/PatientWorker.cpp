@@ -6,6 +6,7 @@
 #include <condition_variable>
 #include <exception>
 #include <mutex>
+#include <system_error>
 #include <utility>
 
 #include "platform/Machine.h"
@@ -87,8 +88,14 @@ bool PatientWorker::RunToItsEnd(const std::function<void()>& job) {
 
 bool PatientWorker::RunOnThread(std::function<void()> job, GivingUp givingUp) {
   if (mShared == nullptr) {
-    mShared = std::make_shared<Shared>();
-    mThread = std::thread([shared = mShared] { Work(shared); });
+    auto fresh = std::make_shared<Shared>();
+    try {
+      mThread = std::thread([fresh] { Work(fresh); });
+    } catch (const std::system_error&) {
+      job();  // no thread is to be had; then the caller waits without patience
+      return true;
+    }
+    mShared = std::move(fresh);
   }
   const std::shared_ptr<Shared> shared = mShared;
   std::unique_lock lock(shared->mutex);

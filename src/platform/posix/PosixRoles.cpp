@@ -181,7 +181,11 @@ bool PosixModules::DoSetConsoleCtrlHandler(void (*handler)()) {
     };
   }
   for (const int signal : {SIGINT, SIGTERM, SIGHUP}) {
-    if (::sigaction(signal, &action, nullptr) != 0) return false;
+    struct sigaction before {};
+    if (::sigaction(signal, nullptr, &before) != 0) return false;
+    // Whoever had a signal ignored (nohup) wants the program to outlive it.
+    const bool isIgnored = before.sa_handler == SIG_IGN;
+    if (!isIgnored && ::sigaction(signal, &action, nullptr) != 0) return false;
   }
   return true;
 }

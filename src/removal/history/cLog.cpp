@@ -191,10 +191,10 @@ void cLog::SaveAs(TextView path) const {
 void cLog::AppendInMemoryStringToLogFile() {
   Guarded(u"cLog.AppendInMemoryStringToLogFile", [&] {
     if (mCurrInMemoryLogSize == 0) return;
-    // Whether it could be written is of no concern: these entries are lost then.
     // No copy is made, since this is also what makes room when memory is short.
-    static_cast<void>(AppendStringToFile(LogFileSpec(), mLogBuffer.CurrentString(),
-                                         TextEncoding::Utf16LittleEndian));
+    const bool isWritten = AppendStringToFile(LogFileSpec(), mLogBuffer.CurrentString(),
+                                              TextEncoding::Utf16LittleEndian);
+    if (!isWritten) TellOfLostBatch();
   });
 }
 

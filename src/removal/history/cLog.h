@@ -73,6 +73,9 @@ class cLog {
   // A failure is told in a box.
   void DeleteLogFile() const;
 
+  // After a batch that could not be written, with the last error as it was left.
+  virtual void TellOfLostBatch() {}
+
  private:
   void AddToLogEntries(TextView text);
   void TellOfLostEntry();

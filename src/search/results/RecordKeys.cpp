@@ -53,7 +53,8 @@ std::int64_t ContentsKey(const DupeFileUDT& record, const UnreadableMarks& unrea
 RecordKey RecordKeyReader::Next(const DupeFileUDT& record) {
   RecordKey key;
   if (mCriteria.namesMatch) key.name = mFacts.names.Get(record.Name);
-  if (mCriteria.sizesMatch) key.size = record.Size.Raw();
+  // Files of different size cannot have the same contents, whatever their checksums say.
+  if (mCriteria.sizesMatch || mCriteria.contentsMatch) key.size = record.Size.Raw();
   if (mCriteria.contentsMatch) key.contents = ContentsKey(record, mFacts.unreadable);
   if (!mCriteria.createTimeStampsMatch && !mCriteria.lastModTimeStampsMatch) return key;
   const SecondPasses passes = mFacts.SecondPassesOf(record);

@@ -59,6 +59,7 @@ class Sorter {
     if (criteria.createTimeStampsMatch) mFields.push_back(Field::Created);
     if (criteria.lastModTimeStampsMatch) mFields.push_back(Field::LastModified);
     if (criteria.contentsMatch) mFields.push_back(Field::Contents);
+    if (criteria.contentsMatch && !criteria.sizesMatch) mFields.push_back(Field::Size);
   }
 
   // The order of the records, as items whose index tells the record.

@@ -152,7 +152,11 @@ class Section {
 
 // The accessor makes the folder, and decides where it lies when the file does not say.
 void ReadDupesFolderPath(Section& section) {
-  mDupesFolderPath = AddBackslash(section.Read(u"DUPESFolderPath"));
+  Text stored = section.Read(u"DUPESFolderPath");
+  // By hand a path is written as the machine's own programs write it.
+  const bool isNative = stored.starts_with(u'/');
+  if (isNative) stored = TheMachine().Drives().LocationFromNative(ToUtf8(stored)).path;
+  mDupesFolderPath = AddBackslash(stored);
   static_cast<void>(GetDupesFolderPath());
 }
 
