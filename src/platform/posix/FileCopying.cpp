@@ -47,15 +47,17 @@ class TemporaryFile {
   TemporaryFile& operator=(const TemporaryFile&) = delete;
 
   // An errno.
-  [[nodiscard]] int Make() {
+  [[nodiscard]] int Make(ChangePermit& permit) {
     int error = EEXIST;
     for (int attempt = 0; attempt < MostAttempts && error == EEXIST; ++attempt) {
       std::uint64_t number = 0;
       if (::getrandom(&number, sizeof number, 0) != sizeof number) return errno;
       mName = ".quillmarsh-" + std::to_string(number) + ".part";
-      mFile.Reset(::openat(mFolder, mName.c_str(),
-                           O_RDWR | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, 0600));
-      error = mFile ? 0 : errno;
+      error = permit.Use([&] {
+        mFile.Reset(::openat(mFolder, mName.c_str(),
+                             O_RDWR | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, 0600));
+        return mFile ? 0 : -1;
+      });
     }
     return error;
   }
@@ -85,13 +87,29 @@ bool IsAllZero(const Block& block, std::size_t size) {
                      [](std::byte byte) { return byte == std::byte{0}; });
 }
 
-// Copies to the source's end, wherever that is by then. Holes of a source that has some stay holes.
-int CopyBytes(int from, int to, bool hasHoles, const GivenUp& givenUp, std::int64_t& size) {
+struct Copying {
+  FolderEntry target;
+  OpenedFile file;       // the source
+  struct stat facts {};  // of the source when it was opened
+  bool isCompared = false;
+};
+
+std::size_t PartOf(const Block& block, std::int64_t rest) {
+  return static_cast<std::size_t>(std::min(static_cast<std::int64_t>(block.size()), rest));
+}
+
+// Copies what the source held when it was opened, or less where it has become shorter: a source
+// that grows as fast as it is copied has no end. Holes of a source that has some stay holes.
+int CopyBytes(const Copying& copying, int to, const ChangePermit& permit, std::int64_t& size) {
+  const std::int64_t most = copying.facts.st_size;
+  const bool hasHoles = copying.facts.st_blocks * 512 < most;
   Block block(BlockSize);
-  for (size = 0;;) {
-    if (*givenUp) return ECANCELED;
+  for (size = 0; size < most;) {
+    if (permit.IsWithdrawn()) return ECANCELED;
+    const std::size_t wanted = PartOf(block, most - size);
     std::size_t got = 0;
-    if (const int error = ReadFully(from, block.data(), block.size(), size, got)) return error;
+    if (const int error = ReadFully(copying.file.fd.Get(), block.data(), wanted, size, got))
+      return error;
     if (got == 0) break;
     if (!hasHoles || !IsAllZero(block, got))
       if (const int error = WriteBlock(to, block.data(), got, size)) return error;
@@ -100,25 +118,54 @@ int CopyBytes(int from, int to, bool hasHoles, const GivenUp& givenUp, std::int6
   return ::ftruncate(to, size) == 0 ? 0 : errno;
 }
 
-// 0 for equal bytes, EIO for others, or what the reading failed with.
-int Compare(int source, int copy, const GivenUp& givenUp) {
+// 32 where the source is not what was opened any more.
+std::uint32_t CheckUnchanged(const Copying& copying) {
+  struct stat now {};
+  if (::fstat(copying.file.fd.Get(), &now) != 0) return SystemErrorFromErrno(errno);
+  return IsUnchanged(now, copying.facts) ? ERROR_SUCCESS : ERROR_SHARING_VIOLATION;
+}
+
+// 32 where bytes lie behind the size of the source though it has not grown. Such a size is told
+// wrongly, as for files that are made when they are read, and the copy would lack their end.
+std::uint32_t CheckEnd(const Copying& copying) {
+  std::byte next{};
+  std::size_t got = 0;
+  const int source = copying.file.fd.Get();
+  if (const int error = ReadFully(source, &next, 1, copying.facts.st_size, got))
+    return SystemErrorFromErrno(error);
+  if (got == 0) return ERROR_SUCCESS;
+  struct stat now {};
+  if (::fstat(source, &now) != 0) return SystemErrorFromErrno(errno);
+  return now.st_size > copying.facts.st_size ? ERROR_SUCCESS : ERROR_SHARING_VIOLATION;
+}
+
+// Whether source and copy have the same first `size` bytes. Answers a code: for other bytes 32
+// where the source has changed, and only else 1117, since then a disk has failed.
+std::uint32_t Compare(const Copying& copying, int copy, const ChangePermit& permit,
+                      std::int64_t size) {
   // What lies in memory from the writing says nothing about the disk.
   (void)::posix_fadvise(copy, 0, 0, POSIX_FADV_DONTNEED);
   Block first(BlockSize);
   Block second(BlockSize);
-  for (std::int64_t position = 0;;) {
-    if (*givenUp) return ECANCELED;
+  for (std::int64_t position = 0; position < size;) {
+    if (permit.IsWithdrawn()) return ERROR_OPERATION_ABORTED;
+    const std::size_t wanted = PartOf(first, size - position);
     std::size_t gotFirst = 0;
     std::size_t gotSecond = 0;
-    if (const int error = ReadFully(source, first.data(), first.size(), position, gotFirst))
-      return error;
-    if (const int error = ReadFully(copy, second.data(), second.size(), position, gotSecond))
-      return error;
-    if (gotFirst != gotSecond || std::memcmp(first.data(), second.data(), gotFirst) != 0)
-      return EIO;
-    if (gotFirst == 0) return 0;
-    position += static_cast<std::int64_t>(gotFirst);
+    const int source = copying.file.fd.Get();
+    if (const int error = ReadFully(source, first.data(), wanted, position, gotFirst))
+      return SystemErrorFromErrno(error);
+    if (const int error = ReadFully(copy, second.data(), wanted, position, gotSecond))
+      return SystemErrorFromErrno(error);
+    // Both may also break off early; what comes then shows in the next round.
+    const std::size_t both = std::min(gotFirst, gotSecond);
+    if (both == 0 || std::memcmp(first.data(), second.data(), both) != 0) {
+      const std::uint32_t code = CheckUnchanged(copying);
+      return code != ERROR_SUCCESS ? code : ERROR_IO_DEVICE;
+    }
+    position += static_cast<std::int64_t>(both);
   }
+  return ERROR_SUCCESS;
 }
 
 // Permissions and write time. Some file systems keep less of them or nothing, which is no reason to
@@ -132,34 +179,24 @@ void CopyFacts(const struct stat& source, int copy) {
   (void)::futimens(copy, times);
 }
 
-struct Copying {
-  Located source;
-  FolderEntry target;
-  OpenedFile file;       // the source
-  struct stat facts {};  // of the source when it was opened
-  bool isCompared = false;
-};
-
 // Fills the temporary file and brings it to the disk. Answers a code.
 std::uint32_t FillTemporary(const Copying& copying, const TemporaryFile& temporary,
-                            const GivenUp& givenUp) {
-  const int from = copying.file.fd.Get();
-  const bool hasHoles = copying.facts.st_blocks * 512 < copying.facts.st_size;
+                            const ChangePermit& permit) {
   std::int64_t size = 0;
-  int error = CopyBytes(from, temporary.Fd(), hasHoles, givenUp, size);
-  if (error == 0) {
-    CopyFacts(copying.facts, temporary.Fd());
-    error = ::fsync(temporary.Fd()) == 0 ? 0 : errno;
-  }
-  if (error == 0 && copying.isCompared) error = Compare(from, temporary.Fd(), givenUp);
-  if (error != 0) return SystemErrorFromErrno(error);
+  if (const int error = CopyBytes(copying, temporary.Fd(), permit, size))
+    return SystemErrorFromErrno(error);
+  if (const std::uint32_t code = CheckEnd(copying)) return code;
+  // Told before the long way of writing out and comparing what would not be taken.
+  if (copying.isCompared)
+    if (const std::uint32_t code = CheckUnchanged(copying)) return code;
+  CopyFacts(copying.facts, temporary.Fd());
+  if (::fsync(temporary.Fd()) != 0) return SystemErrorFromErrno(errno);
+  if (copying.isCompared)
+    if (const std::uint32_t code = Compare(copying, temporary.Fd(), permit, size)) return code;
   struct stat made {};
   if (::fstat(temporary.Fd(), &made) != 0) return SystemErrorFromErrno(errno);
   if (made.st_size != size) return ERROR_IO_DEVICE;
-  if (!copying.isCompared) return ERROR_SUCCESS;
-  struct stat now {};
-  if (::fstat(from, &now) != 0) return SystemErrorFromErrno(errno);
-  return IsUnchanged(now, copying.facts) ? ERROR_SUCCESS : ERROR_SHARING_VIOLATION;
+  return copying.isCompared ? CheckUnchanged(copying) : ERROR_SUCCESS;
 }
 
 // Whether the target is free or may be replaced. Looks anew.
@@ -179,7 +216,7 @@ std::uint32_t CheckTarget(const PathResolver& resolver, const CopyRequest& reque
 }
 
 std::uint32_t PutIntoPlace(const PathResolver& resolver, const CopyRequest& request,
-                           Copying& copying, TemporaryFile& temporary) {
+                           ChangePermit& permit, Copying& copying, TemporaryFile& temporary) {
   FolderEntry from;
   from.folder.Reset(::fcntl(copying.target.folder.Get(), F_DUPFD_CLOEXEC, 0));
   if (!from.folder) return SystemErrorFromErrno(errno);
@@ -187,8 +224,8 @@ std::uint32_t PutIntoPlace(const PathResolver& resolver, const CopyRequest& requ
   from.entry.facts.stx_mode = S_IFREG;
   for (int attempt = 0; attempt < MostAttempts; ++attempt) {
     if (const std::uint32_t error = CheckTarget(resolver, request, copying)) return error;
-    const int error = copying.target.exists ? RenameReplacing(from, copying.target)
-                                            : RenameToFreeName(from, copying.target);
+    const int error = copying.target.exists ? RenameReplacing(from, copying.target, permit)
+                                            : RenameToFreeName(from, copying.target, permit);
     if (error == EEXIST) continue;
     if (error != 0) return SystemErrorFromErrno(error);
     temporary.Keep();
@@ -198,7 +235,7 @@ std::uint32_t PutIntoPlace(const PathResolver& resolver, const CopyRequest& requ
   return ERROR_SHARING_VIOLATION;
 }
 
-std::uint32_t Copy(const PathResolver& resolver, const CopyRequest& request, const GivenUp& givenUp,
+std::uint32_t Copy(const PathResolver& resolver, const CopyRequest& request, ChangePermit& permit,
                    Copying& copying) {
   const OpenRequest reading{GENERIC_READ, OPEN_EXISTING, 0};
   if (const auto error = OpenFileAt(resolver, request.source, reading, copying.file)) return error;
@@ -210,17 +247,16 @@ std::uint32_t Copy(const PathResolver& resolver, const CopyRequest& request, con
   if (const auto error = CheckTarget(resolver, request, copying)) return error;
   if (request.target.path.endsInBackslash) return ERROR_INVALID_NAME;
   TemporaryFile temporary(copying.target.folder.Get());
-  if (const int error = temporary.Make()) {
+  if (const int error = temporary.Make(permit)) {
     const std::uint32_t code = SystemErrorFromErrno(error);
     return code == ERROR_FILE_NOT_FOUND ? ERROR_PATH_NOT_FOUND : code;
   }
-  if (const auto error = FillTemporary(copying, temporary, givenUp)) return error;
-  if (*givenUp) return ERROR_OPERATION_ABORTED;
-  return PutIntoPlace(resolver, request, copying, temporary);
+  if (const auto error = FillTemporary(copying, temporary, permit)) return error;
+  return PutIntoPlace(resolver, request, permit, copying, temporary);
 }
 
 // Deletes the source by its name if that still names what was copied, as it was then.
-void DeleteSource(const PathResolver& resolver, const CopyRequest& request,
+void DeleteSource(const PathResolver& resolver, const CopyRequest& request, ChangePermit& permit,
                   const Copying& copying) {
   FolderEntry source;
   if (OpenEntry(resolver, request.source, source) != 0 || !source.exists) return;
@@ -231,27 +267,29 @@ void DeleteSource(const PathResolver& resolver, const CopyRequest& request,
                          now.stx_size == static_cast<std::uint64_t>(then.st_size) &&
                          SameMoment(now.stx_mtime, then.st_mtim) &&
                          SameMoment(now.stx_ctime, then.st_ctim);
-  if (isTheSame) (void)::unlinkat(source.folder.Get(), source.name.c_str(), 0);
+  if (isTheSame)
+    (void)permit.Use([&] { return ::unlinkat(source.folder.Get(), source.name.c_str(), 0); });
 }
 
 }  // namespace
 
 std::uint32_t CopyToTarget(const PathResolver& resolver, const CopyRequest& request,
-                           const GivenUp& givenUp) {
+                           ChangePermit& permit) {
   Copying copying;
-  if (const auto error = Copy(resolver, request, givenUp, copying)) return error;
+  if (const auto error = Copy(resolver, request, permit, copying)) return error;
   (void)SyncFolder(copying.target.folder.Get());
   return ERROR_SUCCESS;
 }
 
 std::uint32_t MoveByCopy(const PathResolver& resolver, const CopyRequest& request,
-                         const GivenUp& givenUp) {
+                         ChangePermit& permit) {
   Copying copying;
   copying.isCompared = true;
-  if (const auto error = Copy(resolver, request, givenUp, copying)) return error;
+  if (const auto error = Copy(resolver, request, permit, copying)) return error;
   // Until the new name is on the disk for sure, the old one stays.
-  if (SyncFolder(copying.target.folder.Get()) == 0) DeleteSource(resolver, request, copying);
-  return ERROR_SUCCESS;
+  if (SyncFolder(copying.target.folder.Get()) == 0)
+    DeleteSource(resolver, request, permit, copying);
+  return permit.IsWithdrawn() ? ERROR_OPERATION_ABORTED : ERROR_SUCCESS;
 }
 
 }  // namespace quillmarsh

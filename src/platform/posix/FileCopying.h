@@ -4,15 +4,9 @@
 // them.
 #pragma once
 
-#include <atomic>
-#include <memory>
-
 #include "platform/posix/FolderEntry.h"
 
 namespace quillmarsh {
-
-// Told by whoever gave a running copy up: from then on it puts nothing into place.
-using GivenUp = std::shared_ptr<std::atomic<bool>>;
 
 struct CopyRequest {
   Located source;
@@ -22,13 +16,16 @@ struct CopyRequest {
   std::uint32_t codeIfExists = 0;  // of a target that may not be replaced
 };
 
-// Both answer a code and leave no temporary file.
-// The target becomes a copy of the source, which must be a file.
+// Both answer a code and leave no temporary file. Without leave nothing is put into place and no
+// source deleted (995).
+// The target becomes a copy of the source, which must be a file, with the size that it has at the
+// beginning, however fast it grows.
 [[nodiscard]] std::uint32_t CopyToTarget(const PathResolver& resolver, const CopyRequest& request,
-                                         const GivenUp& givenUp);
-// The same, compared with the source byte by byte before it is put into place; then the source is
-// deleted, unless it has changed meanwhile or cannot be, which is no failure.
+                                         ChangePermit& permit);
+// The same, compared with the source byte by byte before it is put into place, and 32 where the
+// source has changed meanwhile; then the source is deleted, unless it has changed by then or cannot
+// be, which is no failure.
 [[nodiscard]] std::uint32_t MoveByCopy(const PathResolver& resolver, const CopyRequest& request,
-                                       const GivenUp& givenUp);
+                                       ChangePermit& permit);
 
 }  // namespace quillmarsh

@@ -26,6 +26,13 @@ int OpenFlags(const OpenRequest& request) {
   return mode | O_NONBLOCK | O_NOCTTY | O_NOFOLLOW | O_CLOEXEC | (appends ? O_APPEND : 0);
 }
 
+// One system call that changes something. Answers an errno.
+template <typename SystemCall>
+int Change(const OpenRequest& request, const SystemCall& call) {
+  if (request.permit != nullptr) return request.permit->Use(call);
+  return call() == 0 ? 0 : errno;
+}
+
 // What was opened must be what may be opened. The mode is that of the open file itself.
 std::uint32_t CheckOpened(const OpenRequest& request, bool endsInBackslash, OpenedFile& opened) {
   struct statx& facts = opened.facts;
@@ -57,7 +64,13 @@ std::uint32_t OpenExisting(const PathResolver& resolver, int root, const Located
     opened.fd.Reset();
     return code;
   }
-  if (empties && ::ftruncate(opened.fd.Get(), 0) != 0) return SystemErrorFromErrno(errno);
+  if (empties) {
+    const int failed = Change(request, [&] { return ::ftruncate(opened.fd.Get(), 0); });
+    if (failed != 0) {
+      opened.fd.Reset();
+      return SystemErrorFromErrno(failed);
+    }
+  }
   opened.existed = true;
   return ERROR_SUCCESS;
 }
@@ -65,8 +78,17 @@ std::uint32_t OpenExisting(const PathResolver& resolver, int root, const Located
 std::uint32_t CreateNew(const PathResolver& resolver, int root, const Located& located,
                         const OpenRequest& request, OpenedFile& opened) {
   if (located.path.endsInBackslash) return ERROR_INVALID_NAME;
-  const int error = resolver.Open(root, located.path.relative,
-                                  OpenFlags(request) | O_CREAT | O_EXCL, 0666, opened.fd);
+  // The folder first, which may take its time; making the file is then one system call.
+  UniqueFd folder;
+  int error = resolver.OpenFolder(root, located.path.Parent(), folder);
+  if (error == 0) {
+    const std::string name(located.path.Name());
+    error = Change(request, [&] {
+      opened.fd.Reset(
+          ::openat(folder.Get(), name.c_str(), OpenFlags(request) | O_CREAT | O_EXCL, 0666));
+      return opened.fd ? 0 : -1;
+    });
+  }
   if (error == EEXIST) return ERROR_FILE_EXISTS;
   return error == ENOENT ? ERROR_PATH_NOT_FOUND : SystemErrorFromErrno(error);
 }

@@ -4,6 +4,7 @@
 // Functions without state; any thread may call them.
 #pragma once
 
+#include "platform/posix/ChangePermit.h"
 #include "platform/posix/PosixContext.h"
 
 namespace quillmarsh {
@@ -12,6 +13,8 @@ struct OpenRequest {
   std::uint32_t access = 0;       // GENERIC_..., FILE_APPEND_DATA
   std::uint32_t disposition = 0;  // OPEN_EXISTING and the others
   std::uint32_t flags = 0;        // FILE_FLAG_...
+  // Where the opening may be given up: without leave no file is made and none emptied (995).
+  std::shared_ptr<ChangePermit> permit = nullptr;
 };
 
 struct OpenedFile {

@@ -18,14 +18,11 @@
 namespace quillmarsh {
 namespace {
 
-// Whether an entry can be seen to be there.
-bool IsThere(int folder, const std::string& name) {
+// The errno of looking at an entry. ENOENT alone says that it is gone: a server that fails to
+// answer says nothing.
+int LookFor(int folder, const std::string& name) {
   struct statx facts {};
-  return ::statx(folder, name.c_str(), FactsOfEntryItself, STATX_TYPE, &facts) == 0;
-}
-
-int ErrnoOf(int outcome) {
-  return outcome == 0 ? 0 : errno;
+  return ::statx(folder, name.c_str(), FactsOfEntryItself, STATX_TYPE, &facts) == 0 ? 0 : errno;
 }
 
 UniqueFd OpenToRead(int folder) {
@@ -36,6 +33,21 @@ UniqueFd OpenToRead(int folder) {
 bool CannotLink(int error) {
   return error == EPERM || error == EOPNOTSUPP || error == ENOSYS || error == EMLINK ||
          error == EACCES || error == EINVAL;
+}
+
+int ReserveName(const FolderEntry& target, bool isFolder, ChangePermit& permit,
+                UniqueFd& reserved) {
+  const int folder = target.folder.Get();
+  const char* const name = target.name.c_str();
+  const int error = permit.Use([&] {
+    if (isFolder) return ::mkdirat(folder, name, 0700);
+    reserved.Reset(
+        ::openat(folder, name, O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, 0600));
+    return reserved ? 0 : -1;
+  });
+  if (error == 0 && isFolder)
+    reserved.Reset(::openat(folder, name, O_PATH | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC));
+  return error;
 }
 
 }  // namespace
@@ -84,62 +96,67 @@ std::uint32_t LookAgain(const PathResolver& resolver, const Located& located, Fo
   return ERROR_SUCCESS;
 }
 
-int RenameByLink(const FolderEntry& source, const FolderEntry& target) {
-  if (::linkat(source.folder.Get(), source.name.c_str(), target.folder.Get(), target.name.c_str(),
-               0) != 0)
-    return errno;
-  if (::unlinkat(source.folder.Get(), source.name.c_str(), 0) == 0) return 0;
-  const int error = errno;
+int RenameByLink(const FolderEntry& source, const FolderEntry& target, ChangePermit& permit) {
+  const int from = source.folder.Get();
+  const int to = target.folder.Get();
+  if (const int error = permit.Use(
+          [&] { return ::linkat(from, source.name.c_str(), to, target.name.c_str(), 0); }))
+    return error;
+  const int error = permit.Use([&] { return ::unlinkat(from, source.name.c_str(), 0); });
+  if (error == 0) return 0;
   // A server may have done it and lost the answer. The second link goes only while the first one is
   // there for sure.
-  if (!IsThere(source.folder.Get(), source.name)) return 0;
-  ::unlinkat(target.folder.Get(), target.name.c_str(), 0);
+  const int look = LookFor(from, source.name);
+  if (look != 0) return look == ENOENT ? 0 : look;
+  (void)permit.Use([&] { return ::unlinkat(to, target.name.c_str(), 0); });
   return error;
 }
 
 // An empty entry, made exclusively, keeps the name until the rename replaces it.
-int RenameOntoReservedName(const FolderEntry& source, const FolderEntry& target) {
-  const int folder = target.folder.Get();
-  const char* const name = target.name.c_str();
+int RenameOntoReservedName(const FolderEntry& source, const FolderEntry& target,
+                           ChangePermit& permit) {
   const bool isFolder = S_ISDIR(source.entry.facts.stx_mode);
   UniqueFd reserved;  // held open, so that its number is not given to another entry
-  if (isFolder) {
-    if (::mkdirat(folder, name, 0700) != 0) return errno;
-    reserved.Reset(::openat(folder, name, O_PATH | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC));
-  } else {
-    reserved.Reset(
-        ::openat(folder, name, O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, 0600));
-    if (!reserved) return errno;
-  }
-  if (::renameat(source.folder.Get(), source.name.c_str(), folder, name) == 0) return 0;
-  const int error = errno;
+  if (const int error = ReserveName(target, isFolder, permit, reserved)) return error;
+  const int error = RenameReplacing(source, target, permit);
+  if (error == 0) return 0;
+  const int folder = target.folder.Get();
+  const char* const name = target.name.c_str();
   struct stat own {};
   struct stat there {};
-  const bool isReserved = reserved && ::fstat(reserved.Get(), &own) == 0 &&
-                          ::fstatat(folder, name, &there, AT_SYMLINK_NOFOLLOW) == 0 &&
+  const int lookAtTarget = ::fstatat(folder, name, &there, AT_SYMLINK_NOFOLLOW) == 0 ? 0 : errno;
+  const bool isReserved = lookAtTarget == 0 && reserved && ::fstat(reserved.Get(), &own) == 0 &&
                           own.st_ino == there.st_ino && own.st_dev == there.st_dev;
   // A server may have done it and lost the answer: only the entry made here goes again, while it is
   // empty.
-  if (isReserved && (isFolder || own.st_size == 0))
-    ::unlinkat(folder, name, isFolder ? AT_REMOVEDIR : 0);
-  return isReserved || IsThere(source.folder.Get(), source.name) ? error : 0;
-}
-
-int RenameToFreeName(const FolderEntry& source, const FolderEntry& target) {
-  if (::syscall(SYS_renameat2, source.folder.Get(), source.name.c_str(), target.folder.Get(),
-                target.name.c_str(), RENAME_NOREPLACE) == 0)
-    return 0;
-  if (errno != EINVAL && errno != ENOSYS && errno != EOPNOTSUPP) return errno;
-  if (!S_ISDIR(source.entry.facts.stx_mode)) {
-    const int error = RenameByLink(source, target);
-    if (!CannotLink(error)) return error;
+  if (isReserved) {
+    if (isFolder || own.st_size == 0)
+      (void)permit.Use([&] { return ::unlinkat(folder, name, isFolder ? AT_REMOVEDIR : 0); });
+    return error;
   }
-  return RenameOntoReservedName(source, target);
+  const int lookAtSource = LookFor(source.folder.Get(), source.name);
+  if (lookAtSource != ENOENT) return lookAtSource == 0 ? error : lookAtSource;
+  return lookAtTarget;  // done only where the target is seen
 }
 
-int RenameReplacing(const FolderEntry& source, const FolderEntry& target) {
-  return ErrnoOf(::renameat(source.folder.Get(), source.name.c_str(), target.folder.Get(),
-                            target.name.c_str()));
+int RenameToFreeName(const FolderEntry& source, const FolderEntry& target, ChangePermit& permit) {
+  const int error = permit.Use([&] {
+    return ::syscall(SYS_renameat2, source.folder.Get(), source.name.c_str(), target.folder.Get(),
+                     target.name.c_str(), RENAME_NOREPLACE);
+  });
+  if (error != EINVAL && error != ENOSYS && error != EOPNOTSUPP) return error;
+  if (!S_ISDIR(source.entry.facts.stx_mode)) {
+    const int errorOfLink = RenameByLink(source, target, permit);
+    if (!CannotLink(errorOfLink)) return errorOfLink;
+  }
+  return RenameOntoReservedName(source, target, permit);
+}
+
+int RenameReplacing(const FolderEntry& source, const FolderEntry& target, ChangePermit& permit) {
+  return permit.Use([&] {
+    return ::renameat(source.folder.Get(), source.name.c_str(), target.folder.Get(),
+                      target.name.c_str());
+  });
 }
 
 bool IsListed(int folder, const std::string& name) {

@@ -3,6 +3,7 @@
 // replaced. Functions without state; any thread may call them.
 #pragma once
 
+#include "platform/posix/ChangePermit.h"
 #include "platform/posix/PosixContext.h"
 
 namespace quillmarsh {
@@ -33,15 +34,21 @@ enum class Replacement { File, Folder };
 // folder, a device and whatever a folder would replace stay. It must exist.
 [[nodiscard]] std::uint32_t WhyNotReplaced(const FolderEntry& place, Replacement replacement);
 
-// Each answers an errno and leaves both names as they were when it fails.
-// Gives the source the target's name unless that is taken (EEXIST), also where the file system
-// itself knows no such rename.
-[[nodiscard]] int RenameToFreeName(const FolderEntry& source, const FolderEntry& target);
+// Each answers an errno and leaves both names as they were when it fails. Two exceptions, in which
+// nothing is lost: what was given up in the middle (ECANCELED), or cannot be seen to be done or
+// not, may leave the source under both names, or an empty entry under the target's. Gives the
+// source the target's name unless that is taken (EEXIST), also where the file system itself knows
+// no such rename.
+[[nodiscard]] int RenameToFreeName(const FolderEntry& source, const FolderEntry& target,
+                                   ChangePermit& permit);
 // The two ways where it knows none: by a second link (no folders, and not every file system has
 // links), and onto an empty entry that is made exclusively to hold the name.
-[[nodiscard]] int RenameByLink(const FolderEntry& source, const FolderEntry& target);
-[[nodiscard]] int RenameOntoReservedName(const FolderEntry& source, const FolderEntry& target);
-[[nodiscard]] int RenameReplacing(const FolderEntry& source, const FolderEntry& target);
+[[nodiscard]] int RenameByLink(const FolderEntry& source, const FolderEntry& target,
+                               ChangePermit& permit);
+[[nodiscard]] int RenameOntoReservedName(const FolderEntry& source, const FolderEntry& target,
+                                         ChangePermit& permit);
+[[nodiscard]] int RenameReplacing(const FolderEntry& source, const FolderEntry& target,
+                                  ChangePermit& permit);
 
 // Whether the folder lists the name, spelled exactly so. False when it cannot be read.
 [[nodiscard]] bool IsListed(int folder, const std::string& name);

@@ -1,10 +1,12 @@
 // SPDX-License-Identifier: MIT
-// Deleting, moving and copying on a real disk, always by the handle of the folder that holds the
-// entry.
+// Deleting, moving, copying and making folders on a real disk, always by the handle of the folder
+// that holds the entry. What was given up changes nothing any more, whenever its thread goes on.
 #include <fcntl.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include <cerrno>
+#include <memory>
 
 #include "platform/posix/ErrnoCodes.h"
 #include "platform/posix/FileCopying.h"
@@ -32,22 +34,32 @@ struct Move {
   }
 };
 
-std::uint32_t DeleteEntry(const PathResolver& resolver, const Located& located) {
+std::uint32_t DeleteEntry(const PathResolver& resolver, const Located& located,
+                          ChangePermit& permit) {
   FolderEntry place;
   if (const std::uint32_t error = OpenEntry(resolver, located, place)) return error;
   if (!place.exists) return ERROR_FILE_NOT_FOUND;
   if (located.path.endsInBackslash && !place.IsFolder()) return ERROR_INVALID_NAME;
   // The system would delete a read-only file; here it is to be kept, like a folder or a device.
   if (const std::uint32_t error = WhyNotReplaced(place, Replacement::File)) return error;
-  return ::unlinkat(place.folder.Get(), place.name.c_str(), 0) == 0 ? ERROR_SUCCESS
-                                                                    : SystemErrorFromErrno(errno);
+  return SystemErrorFromErrno(
+      permit.Use([&] { return ::unlinkat(place.folder.Get(), place.name.c_str(), 0); }));
+}
+
+std::uint32_t MakeFolder(const PathResolver& resolver, const Located& located,
+                         ChangePermit& permit) {
+  UniqueFd parent;
+  if (const std::uint32_t error = OpenParent(resolver, located, parent)) return error;
+  const std::string name(located.path.Name());
+  return SystemErrorFromErrno(
+      permit.Use([&] { return ::mkdirat(parent.Get(), name.c_str(), 0777); }));
 }
 
 // A move to another name of the same file, where the system's rename would do nothing and say yes.
 // Not every file system tells files apart by their numbers, so nothing is removed on that ground
 // but the target, which was to be replaced.
 std::uint32_t MoveOntoSameFile(const FolderEntry& source, const FolderEntry& target,
-                               const Move& move) {
+                               const Move& move, ChangePermit& permit) {
   struct statx here {};
   struct statx there {};
   if (::statx(source.folder.Get(), "", AT_EMPTY_PATH, STATX_INO, &here) != 0 ||
@@ -58,15 +70,16 @@ std::uint32_t MoveOntoSameFile(const FolderEntry& source, const FolderEntry& tar
   // Where the volume folds case, two spellings are one entry, and the folder lists one of them.
   const bool isOtherSpelling = inOneFolder && IsListed(source.folder.Get(), source.name) !=
                                                   IsListed(target.folder.Get(), target.name);
-  if (isOtherSpelling) return SystemErrorFromErrno(RenameReplacing(source, target));
+  if (isOtherSpelling) return SystemErrorFromErrno(RenameReplacing(source, target, permit));
   if (!move.Has(MOVEFILE_REPLACE_EXISTING)) return ERROR_ALREADY_EXISTS;
   const Replacement replacement = source.IsFolder() ? Replacement::Folder : Replacement::File;
   if (const std::uint32_t error = WhyNotReplaced(target, replacement)) return error;
   // With a single link the two names lead to one entry in some way that is not to be touched.
   if (source.entry.facts.stx_nlink < 2) return ERROR_SHARING_VIOLATION;
-  if (::unlinkat(target.folder.Get(), target.name.c_str(), 0) != 0)
-    return SystemErrorFromErrno(errno);
-  return SystemErrorFromErrno(RenameToFreeName(source, target));
+  if (const int error =
+          permit.Use([&] { return ::unlinkat(target.folder.Get(), target.name.c_str(), 0); }))
+    return SystemErrorFromErrno(error);
+  return SystemErrorFromErrno(RenameToFreeName(source, target, permit));
 }
 
 // 0, or the code with which the existing target refuses.
@@ -83,14 +96,15 @@ std::uint32_t CodeOfRename(int error) {
 }
 
 std::uint32_t RenameEntry(const PathResolver& resolver, const Move& move, const FolderEntry& source,
-                          FolderEntry& target) {
+                          FolderEntry& target, ChangePermit& permit) {
   for (int attempt = 0; attempt < MostAttempts; ++attempt) {
     if (const std::uint32_t error = LookAgain(resolver, move.target, target)) return error;
-    if (target.exists && target.IsSameFileAs(source)) return MoveOntoSameFile(source, target, move);
+    if (target.exists && target.IsSameFileAs(source))
+      return MoveOntoSameFile(source, target, move, permit);
     if (target.exists)
       if (const std::uint32_t error = WhyNotMovedOver(source, target, move)) return error;
-    const int error =
-        target.exists ? RenameReplacing(source, target) : RenameToFreeName(source, target);
+    const int error = target.exists ? RenameReplacing(source, target, permit)
+                                    : RenameToFreeName(source, target, permit);
     if (error != EEXIST) return CodeOfRename(error);
   }
   return ERROR_SHARING_VIOLATION;
@@ -114,13 +128,14 @@ std::uint32_t OpenEnds(const PathResolver& resolver, const Move& move, FolderEnt
 }
 
 // Answers 17 with `mayBeCopied` set for a file that another volume is to take as a copy.
-std::uint32_t MoveEntry(const PathResolver& resolver, const Move& move, bool& mayBeCopied) {
+std::uint32_t MoveEntry(const PathResolver& resolver, const Move& move, ChangePermit& permit,
+                        bool& mayBeCopied) {
   FolderEntry source;
   FolderEntry target;
   if (const std::uint32_t error = OpenEnds(resolver, move, source, target)) return error;
   mayBeCopied = source.entry.kind == EntryKind::File && move.Has(MOVEFILE_COPY_ALLOWED);
   if (move.source.drive->letter != move.target.drive->letter) return ERROR_NOT_SAME_DEVICE;
-  if (const std::uint32_t error = RenameEntry(resolver, move, source, target)) return error;
+  if (const std::uint32_t error = RenameEntry(resolver, move, source, target, permit)) return error;
   if (const std::uint32_t error = LookAgain(resolver, move.target, target)) return error;
   if (!target.exists) return ERROR_FILE_NOT_FOUND;
   // What has been renamed stays renamed, also where the folder cannot be written out just now.
@@ -133,18 +148,43 @@ bool BothAnswer(const Located& source, const Located& target) {
   return source.drive->kind.answers && (isNowhere || target.drive->kind.answers);
 }
 
+// `run` runs one job with a permit of its own and answers a code; the permit ends when the job is
+// given up.
+template <typename Runner>
+std::uint32_t WithPermit(const Runner& run) {
+  const auto permit = std::make_shared<ChangePermit>();
+  const std::uint32_t error = run(permit);
+  // Before anybody hears of the 995.
+  if (error == ERROR_OPERATION_ABORTED) permit->Withdraw();
+  return error;
+}
+
 }  // namespace
 
 bool PosixDisk::DoDeleteFile(TextView path) {
   Located located;
   std::uint32_t error = mContext.Locate(path, located);
   if (error == 0 && located.path.relative.empty()) error = ERROR_ACCESS_DENIED;
-  char nothing = 0;
-  if (error == 0)
-    error = mContext.Run(
-        located.drive->kind.answers, nothing,
-        [resolver = mContext.resolver, located](char&) { return DeleteEntry(*resolver, located); });
+  if (error == 0) error = RunChange(located, DeleteEntry);
   return error == 0 || Fail(error, false);
+}
+
+bool PosixDisk::DoCreateDirectory(TextView path) {
+  Located located;
+  std::uint32_t error = mContext.Locate(path, located);
+  if (error == 0 && located.path.relative.empty()) error = ERROR_ALREADY_EXISTS;
+  if (error == 0) error = RunChange(located, MakeFolder);
+  return error == 0 || Fail(error == ERROR_FILE_NOT_FOUND ? ERROR_PATH_NOT_FOUND : error, false);
+}
+
+std::uint32_t PosixDisk::RunChange(const Located& located, EntryOperation* operation) {
+  char nothing = 0;
+  return WithPermit([&](const std::shared_ptr<ChangePermit>& permit) {
+    return mContext.Run(located.drive->kind.answers, nothing,
+                        [resolver = mContext.resolver, located, permit, operation](char&) {
+                          return operation(*resolver, located, *permit);
+                        });
+  });
 }
 
 bool PosixDisk::DoMoveFile(TextView existing, TextView newPath, std::uint32_t flags) {
@@ -155,10 +195,12 @@ bool PosixDisk::DoMoveFile(TextView existing, TextView newPath, std::uint32_t fl
   move.targetError = mContext.Locate(newPath, move.target);
   bool mayBeCopied = false;
   const bool answers = BothAnswer(move.source, move.target);
-  const std::uint32_t error =
-      mContext.Run(answers, mayBeCopied, [resolver = mContext.resolver, move](bool& copied) {
-        return MoveEntry(*resolver, move, copied);
-      });
+  const std::uint32_t error = WithPermit([&](const std::shared_ptr<ChangePermit>& permit) {
+    return mContext.Run(answers, mayBeCopied,
+                        [resolver = mContext.resolver, move, permit](bool& copied) {
+                          return MoveEntry(*resolver, move, *permit, copied);
+                        });
+  });
   if (error != ERROR_NOT_SAME_DEVICE || !mayBeCopied) return error == 0 || Fail(error, false);
   const CopyRequest request{move.source, move.target, 0, move.Has(MOVEFILE_REPLACE_EXISTING),
                             ERROR_ALREADY_EXISTS};
@@ -176,14 +218,13 @@ bool PosixDisk::DoCopyFile(TextView existing, TextView newPath, bool failIfExist
 
 bool PosixDisk::RunCopy(const CopyRequest& request, CopyOperation* operation) {
   const bool answers = BothAnswer(request.source, request.target);
-  const auto givenUp = std::make_shared<std::atomic<bool>>(false);
   char nothing = 0;
-  const std::uint32_t error = mContext.RunLong(
-      answers, nothing, [resolver = mContext.resolver, request, givenUp, operation](char&) {
-        return operation(*resolver, request, givenUp);
-      });
-  // A copy that was left behind must not come into place when nobody waits for it any more.
-  if (error == ERROR_OPERATION_ABORTED) *givenUp = true;
+  const std::uint32_t error = WithPermit([&](const std::shared_ptr<ChangePermit>& permit) {
+    return mContext.RunLong(answers, nothing,
+                            [resolver = mContext.resolver, request, permit, operation](char&) {
+                              return operation(*resolver, request, *permit);
+                            });
+  });
   return error == 0 || Fail(error, false);
 }
 

@@ -2,14 +2,12 @@
 // The smaller roles.
 #include "platform/posix/PosixRoles.h"
 
-#include <sys/stat.h>
 #include <time.h>
 #include <unistd.h>
 
 #include <atomic>
 #include <csignal>
 
-#include <cerrno>
 #include <cstdlib>
 #include <limits>
 #include <memory>
@@ -21,23 +19,6 @@
 #include "platform/posix/NativeWalk.h"
 
 namespace quillmarsh {
-
-bool PosixDisk::DoCreateDirectory(TextView path) {
-  Located located;
-  std::uint32_t error = mContext.Locate(path, located);
-  if (error == 0 && located.path.relative.empty()) error = ERROR_ALREADY_EXISTS;
-  char nothing = 0;
-  if (error == 0)
-    error = mContext.Run(
-        located.drive->kind.answers, nothing, [resolver = mContext.resolver, located](char&) {
-          UniqueFd parent;
-          if (const auto code = OpenParent(*resolver, located, parent)) return code;
-          const std::string name(located.path.Name());
-          return ::mkdirat(parent.Get(), name.c_str(), 0777) == 0 ? ERROR_SUCCESS
-                                                                  : SystemErrorFromErrno(errno);
-        });
-  return error == 0 || Fail(error == ERROR_FILE_NOT_FOUND ? ERROR_PATH_NOT_FOUND : error, false);
-}
 
 bool PosixAccess::DoGetSecurity(TextView /*path*/, std::uint32_t /*information*/,
                                 std::vector<std::byte>& /*descriptor*/,

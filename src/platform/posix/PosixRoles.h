@@ -29,7 +29,10 @@ class PosixDisk final : public DiskChange {
   bool DoCopyFile(TextView existing, TextView newPath, bool failIfExists) override;
   bool DoCreateDirectory(TextView path) override;
 
-  using CopyOperation = std::uint32_t(const PathResolver&, const CopyRequest&, const GivenUp&);
+  // Both answer a code.
+  using EntryOperation = std::uint32_t(const PathResolver&, const Located&, ChangePermit&);
+  std::uint32_t RunChange(const Located& located, EntryOperation* operation);
+  using CopyOperation = std::uint32_t(const PathResolver&, const CopyRequest&, ChangePermit&);
   bool RunCopy(const CopyRequest& request, CopyOperation* operation);
   PosixContext& mContext;
 };

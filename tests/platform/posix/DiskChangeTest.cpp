@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 // Deleting, moving and copying on a real disk: links, second links, moves between volumes, ways of
-// renaming for file systems that know no rename without replacing. Nothing is ever lost.
+// renaming for file systems that know no rename without replacing, servers that die at the worst of
+// moments, sources that change. Nothing is ever lost.
 #include <fcntl.h>
 #include <gtest/gtest.h>
 #include <sys/resource.h>
@@ -8,10 +9,14 @@
 
 #include <csignal>
 #include <fstream>
+#include <future>
 #include <sstream>
+#include <thread>
 
 #include "platform/posix/FileCopying.h"
+#include "platform/posix/FileOpening.h"
 #include "platform/posix/FolderEntry.h"
+#include "platform/posix/SystemCallHook.h"
 #include "platform/posix/TempTree.h"
 
 namespace quillmarsh::test {
@@ -52,9 +57,10 @@ class FileSizeLimit {
   rlimit mBefore{};
 };
 
-class DiskChangeTest : public testing::TestWithParam<const char*> {
+class DrivesDAndE : public testing::Test {
  protected:
-  DiskChangeTest() : mMachine(TwoDrives(mScratch, mTree.Root(), mOther.Root(), GetParam())) {}
+  explicit DrivesDAndE(const std::string& type)
+      : mMachine(TwoDrives(mScratch, mTree.Root(), mOther.Root(), type)) {}
 
   std::uint32_t Move(TextView from, TextView to, std::uint32_t flags) {
     return mMachine.Disk().MoveFileExW(from, to, flags) ? 0 : mMachine.GetLastError();
@@ -76,6 +82,11 @@ class DiskChangeTest : public testing::TestWithParam<const char*> {
   TempTree mOther;
   TempTree mScratch;
   PosixMachine mMachine;
+};
+
+class DiskChangeTest : public DrivesDAndE, public testing::WithParamInterface<const char*> {
+ protected:
+  DiskChangeTest() : DrivesDAndE(GetParam()) {}
 };
 
 TEST_P(DiskChangeTest, DeletesALinkItselfAndNoDevice) {
@@ -195,32 +206,217 @@ TEST_P(DiskChangeTest, ADriveWhoseMountHasChangedIsNotTouched) {
   EXPECT_EQ(Bytes(mTree.At("file")), "bytes");
 }
 
-TEST(GivenUpCopies, ComeIntoPlaceNoMore) {
-  const TempTree tree;
+TEST_P(DiskChangeTest, ACopyOfAGrowingFileEndsAtTheSizeOfItsBeginning) {
+  mTree.File("file", "begin");
+  const SystemCallHook hook([&](SystemCall call, int, std::string_view name) {
+    // The last look at the target before the bytes are copied lies behind the source's opening.
+    if (call == SystemCall::Statx && name == "copy")
+      std::ofstream(mTree.At("file"), std::ios::binary | std::ios::app) << "more";
+    return 0;
+  });
+  EXPECT_TRUE(mMachine.Disk().CopyFileW(u"D:\\file", u"E:\\copy", true));
+  EXPECT_EQ(Bytes(mOther.At("copy")), "begin");
+  ::unlink(mOther.At("copy").c_str());
+  EXPECT_EQ(Move(u"D:\\file", u"E:\\copy", CopyAllowed), ERROR_SHARING_VIOLATION);
+  EXPECT_TRUE(Bytes(mTree.At("file")).starts_with("beginmoremore"));
+  EXPECT_EQ(EntriesOf(u"E:\\"), 0U);
+}
+
+TEST_P(DiskChangeTest, OnlyACopyThatDiffersFromAnUnchangedSourceIsAFailureOfTheDisk) {
+  struct Row {
+    const char* name;
+    std::function<void(const std::string& source, int copy)> happens;
+    std::uint32_t code;
+  };
+  const auto write = [](const std::string& path, const char* bytes, std::ios::openmode mode) {
+    std::ofstream(path, std::ios::binary | mode) << bytes;
+  };
+  const Row rows[] = {
+      {"the copy is spoilt",
+       [](const std::string&, int copy) { ASSERT_EQ(::pwrite(copy, "?", 1, 2), 1); },
+       ERROR_IO_DEVICE},
+      {"the source is overwritten",
+       [&](const std::string& source, int) { write(source, "bytEs", std::ios::out); },
+       ERROR_SHARING_VIOLATION},
+      {"the source grows",
+       [&](const std::string& source, int) { write(source, "more", std::ios::app); },
+       ERROR_SHARING_VIOLATION},
+      {"the source becomes shorter",
+       [](const std::string& source, int) { ASSERT_EQ(::truncate(source.c_str(), 2), 0); },
+       ERROR_SHARING_VIOLATION},
+  };
+  for (const Row& row : rows) {
+    SCOPED_TRACE(row.name);
+    const std::string source = mTree.File("file", "bytes");
+    const timespec longAgo[2] = {{1'500'000'000, 0}, {1'500'000'000, 0}};
+    ASSERT_EQ(::utimensat(AT_FDCWD, source.c_str(), longAgo, 0), 0);
+    const SystemCallHook hook([&](SystemCall call, int fd, std::string_view) {
+      if (call == SystemCall::Fsync) row.happens(source, fd);
+      return 0;
+    });
+    EXPECT_EQ(Move(u"D:\\file", u"E:\\file", CopyAllowed), row.code);
+    EXPECT_NE(Bytes(source), "(none)");
+    EXPECT_EQ(EntriesOf(u"E:\\"), 0U);
+  }
+}
+
+TEST(FilesWithoutATrueSize, AreNotCutShort) {
+  const TempTree target;
   const TempTree scratch;
-  tree.File("file", "bytes");
+  std::vector<MountLine> lines = {{"/proc"}, {target.Root(), "ext4", "/dev/test2", "8:2"}};
+  for (MountLine& line : lines) {
+    const UniqueFd root(::open(line.point.c_str(), O_PATH | O_DIRECTORY));
+    line.id = static_cast<int>(MountIdOf(root.Get()));
+  }
+  PosixOptions options;
+  options.dataHome = "";
+  options.mountInfoFile = scratch.File("mounts", MountList(lines));
+  PosixMachine machine(options);
+  EXPECT_FALSE(machine.Disk().CopyFileW(u"D:\\version", u"E:\\copy", true));
+  EXPECT_EQ(machine.GetLastError(), ERROR_SHARING_VIOLATION);
+  EXPECT_FALSE(machine.Disk().MoveFileExW(u"D:\\version", u"E:\\copy", CopyAllowed));
+  EXPECT_EQ(machine.GetLastError(), ERROR_SHARING_VIOLATION);
+  EXPECT_EQ(ListAll(machine, u"E:\\").entries.size(), 2U);
+}
+
+// A server that dies in a system call, a user who stops the waiting then, and the server back
+// again. Knows when the thread that was left behind has come to its end.
+class DyingServer : public Patience {
+ public:
+  using Where = std::function<bool(SystemCall call, int fd, std::string_view name)>;
+  explicit DyingServer(Where where)
+      : mHook([this, where](auto... what) { return Hang(where, what...); }) {}
+  bool KeepWaiting() override { return !mHangs; }
+  void ComeBackAndFinish() {
+    ASSERT_TRUE(mHangs);
+    mBack.set_value();
+    mGone.get_future().wait();
+  }
+
+ private:
+  int Hang(const Where& where, SystemCall call, int fd, std::string_view name) {
+    if (mHangs || std::this_thread::get_id() == mMain || !where(call, fd, name)) return 0;
+    mHangs = true;
+    mGone.set_value_at_thread_exit();
+    mBack.get_future().wait();
+    return 0;
+  }
+  const std::thread::id mMain = std::this_thread::get_id();
+  std::promise<void> mBack;
+  std::promise<void> mGone;
+  std::atomic<bool> mHangs{false};
+  const SystemCallHook mHook;
+};
+
+class GivenUpChanges : public DrivesDAndE {
+ protected:
+  GivenUpChanges() : DrivesDAndE("nfs4") {}
+
+  // The code of a change that is given up where the server dies, after the server has come back.
+  std::uint32_t Undergo(const DyingServer::Where& where,
+                        const std::function<bool(DiskChange&)>& change) {
+    DyingServer server(where);
+    mMachine.SetPatience(&server);
+    const std::uint32_t code = change(mMachine.Disk()) ? 0 : mMachine.GetLastError();
+    mMachine.SetPatience(nullptr);
+    server.ComeBackAndFinish();
+    return code;
+  }
+};
+
+TEST_F(GivenUpChanges, DoNotHappenWhenTheServerComesBack) {
+  struct Row {
+    const char* name;
+    std::function<bool(DiskChange&)> change;
+  };
+  const Row rows[] = {
+      {"delete", [](DiskChange& disk) { return disk.DeleteFileW(u"D:\\file"); }},
+      {"rename", [](DiskChange& disk) { return disk.MoveFileExW(u"D:\\file", u"D:\\new", 0); }},
+      {"replace",
+       [](DiskChange& disk) { return disk.MoveFileExW(u"D:\\file", u"D:\\taken", Replace); }},
+      {"onto a second link",
+       [](DiskChange& disk) { return disk.MoveFileExW(u"D:\\file", u"D:\\second", Replace); }},
+      {"copy", [](DiskChange& disk) { return disk.CopyFileW(u"D:\\file", u"E:\\copy", true); }},
+      {"create", [](DiskChange& disk) { return disk.CreateDirectoryW(u"D:\\made"); }},
+  };
+  mTree.File("file", "bytes");
+  mTree.File("taken", "taken");
+  ASSERT_EQ(::link(mTree.At("file").c_str(), mTree.At("second").c_str()), 0);
+  for (const Row& row : rows) {
+    SCOPED_TRACE(row.name);
+    const auto onTheWay = [](SystemCall call, int, std::string_view) {
+      return call == SystemCall::Statx;
+    };
+    EXPECT_EQ(Undergo(onTheWay, row.change), ERROR_OPERATION_ABORTED);
+    EXPECT_EQ(Bytes(mTree.At("file")), "bytes");
+    EXPECT_EQ(Bytes(mTree.At("taken")), "taken");
+    EXPECT_EQ(EntriesOf(u"D:\\"), 3U);
+    EXPECT_EQ(EntriesOf(u"E:\\"), 0U);
+  }
+}
+
+TEST_F(GivenUpChanges, AMoveThatIsInPlaceAlreadyKeepsItsSource) {
+  mTree.File("file", "bytes");
+  const auto inTheSyncOfTheFolder = [](SystemCall call, int fd, std::string_view) {
+    struct stat facts {};
+    return call == SystemCall::Fsync && ::fstat(fd, &facts) == 0 && S_ISDIR(facts.st_mode);
+  };
+  EXPECT_EQ(Undergo(inTheSyncOfTheFolder,
+                    [](DiskChange& disk) {
+                      return disk.MoveFileExW(u"D:\\file", u"E:\\file", CopyAllowed);
+                    }),
+            ERROR_OPERATION_ABORTED);
+  EXPECT_EQ(Bytes(mTree.At("file")), "bytes");
+  EXPECT_EQ(Bytes(mOther.At("file")), "bytes");
+}
+
+TEST_F(GivenUpChanges, OnlyTheSystemCallThatWasUnderWayStillTakesEffect) {
+  mTree.File("file", "bytes");
+  const auto inTheDeletion = [](SystemCall call, int, std::string_view) {
+    return call == SystemCall::Unlinkat;
+  };
+  EXPECT_EQ(Undergo(inTheDeletion, [](DiskChange& disk) { return disk.DeleteFileW(u"D:\\file"); }),
+            ERROR_OPERATION_ABORTED);
+  EXPECT_EQ(Bytes(mTree.At("file")), "(none)");
+}
+
+TEST_F(GivenUpChanges, AnOpeningWithoutLeaveMakesAndEmptiesNothing) {
+  mTree.File("file", "bytes");
   DriveLetters::Sources sources;
-  sources.mountInfoFile = DriveAt(scratch, tree.Root()).mountInfoFile;
+  sources.mountInfoFile = DriveAt(mScratch, mTree.Root()).mountInfoFile;
   sources.letters = "D";
-  PosixContext context(std::make_shared<DriveLetters>(sources),
-                       std::make_shared<PathResolver>(false), {});
-  CopyRequest request;
-  ASSERT_EQ(context.Locate(u"D:\\file", request.source), 0U);
-  ASSERT_EQ(context.Locate(u"D:\\copy", request.target), 0U);
-  const auto givenUp = std::make_shared<std::atomic<bool>>(true);
-  EXPECT_EQ(MoveByCopy(*context.resolver, request, givenUp), ERROR_OPERATION_ABORTED);
-  EXPECT_EQ(CopyToTarget(*context.resolver, request, givenUp), ERROR_OPERATION_ABORTED);
-  PosixMachine machine(DriveAt(scratch, tree.Root()));
-  EXPECT_EQ(ListAll(machine, u"D:\\").Names(), (std::multiset<Text>{u".", u"..", u"file"}));
+  const PosixContext context(std::make_shared<DriveLetters>(sources),
+                             std::make_shared<PathResolver>(false), {});
+  OpenRequest request;
+  request.access = GENERIC_READ;
+  request.permit = std::make_shared<ChangePermit>();
+  request.permit->Withdraw();
+  const auto open = [&](TextView path, std::uint32_t disposition) {
+    Located located;
+    OpenedFile opened;
+    EXPECT_EQ(context.Locate(path, located), 0U);
+    request.disposition = disposition;
+    return OpenFileAt(*context.resolver, located, request, opened);
+  };
+  EXPECT_EQ(open(u"D:\\file", CREATE_ALWAYS), ERROR_OPERATION_ABORTED);
+  EXPECT_EQ(Bytes(mTree.At("file")), "bytes");
+  for (const std::uint32_t disposition : {CREATE_NEW, CREATE_ALWAYS, OPEN_ALWAYS})
+    EXPECT_EQ(open(u"D:\\new", disposition), ERROR_OPERATION_ABORTED);
+  EXPECT_EQ(EntriesOf(u"D:\\"), 1U);
+  EXPECT_EQ(open(u"D:\\file", OPEN_ALWAYS), ERROR_SUCCESS) << "nothing is changed by it";
 }
 
 INSTANTIATE_TEST_SUITE_P(Drives, DiskChangeTest, testing::Values("ext4", "nfs4", "vfat"),
                          [](const auto& row) { return std::string(row.param); });
 
 // Each way of renaming, also those for file systems that know no rename without replacing.
-class FreeNameTest
-    : public testing::TestWithParam<int (*)(const FolderEntry&, const FolderEntry&)> {
+using Way = int (*)(const FolderEntry&, const FolderEntry&, ChangePermit&);
+class RenamingTest : public testing::Test {
  protected:
+  static int Rename(Way way, const FolderEntry& source, const FolderEntry& target) {
+    ChangePermit permit;
+    return way(source, target, permit);
+  }
   FolderEntry EntryOf(const std::string& name) const {
     FolderEntry place;
     place.folder.Reset(::open(mTree.Root().c_str(), O_PATH | O_DIRECTORY));
@@ -231,6 +427,7 @@ class FreeNameTest
   }
   TempTree mTree;
 };
+class FreeNameTest : public RenamingTest, public testing::WithParamInterface<Way> {};
 
 TEST_P(FreeNameTest, TakesAFreeNameAndNoOther) {
   const bool isForFolders = GetParam() != &RenameByLink;
@@ -238,14 +435,14 @@ TEST_P(FreeNameTest, TakesAFreeNameAndNoOther) {
   std::ofstream(mTree.At("taken")) << "2";
   mTree.Folder("folder/in");
   mTree.Folder("empty");
-  EXPECT_EQ(GetParam()(EntryOf("file"), EntryOf("taken")), EEXIST);
-  EXPECT_EQ(GetParam()(EntryOf("file"), EntryOf("empty")), EEXIST);
-  EXPECT_EQ(GetParam()(EntryOf("file"), EntryOf("new")), 0);
+  EXPECT_EQ(Rename(GetParam(), EntryOf("file"), EntryOf("taken")), EEXIST);
+  EXPECT_EQ(Rename(GetParam(), EntryOf("file"), EntryOf("empty")), EEXIST);
+  EXPECT_EQ(Rename(GetParam(), EntryOf("file"), EntryOf("new")), 0);
   if (isForFolders) {
-    EXPECT_EQ(GetParam()(EntryOf("folder"), EntryOf("empty")), EEXIST);
-    EXPECT_EQ(GetParam()(EntryOf("folder"), EntryOf("taken")), EEXIST);
-    EXPECT_EQ(GetParam()(EntryOf("folder"), EntryOf("folder/below")), EINVAL);
-    EXPECT_EQ(GetParam()(EntryOf("folder"), EntryOf("moved")), 0);
+    EXPECT_EQ(Rename(GetParam(), EntryOf("folder"), EntryOf("empty")), EEXIST);
+    EXPECT_EQ(Rename(GetParam(), EntryOf("folder"), EntryOf("taken")), EEXIST);
+    EXPECT_EQ(Rename(GetParam(), EntryOf("folder"), EntryOf("folder/below")), EINVAL);
+    EXPECT_EQ(Rename(GetParam(), EntryOf("folder"), EntryOf("moved")), 0);
   }
   const std::string moved = isForFolders ? "moved" : "folder";
   EXPECT_TRUE(EntryOf("new").exists && EntryOf("taken").exists && EntryOf(moved + "/in").exists);
@@ -258,12 +455,84 @@ TEST_P(FreeNameTest, AMissingSourceLeavesNothingAtTheTarget) {
   mTree.File("file");
   const FolderEntry vanished = EntryOf("file");
   ::unlink(mTree.At("file").c_str());
-  EXPECT_EQ(GetParam()(vanished, EntryOf("new")), ENOENT);
+  EXPECT_EQ(Rename(GetParam(), vanished, EntryOf("new")), ENOENT);
   EXPECT_FALSE(EntryOf("new").exists);
 }
 
-std::string NameOfWay(
-    const testing::TestParamInfo<int (*)(const FolderEntry&, const FolderEntry&)>& row) {
+TEST_P(FreeNameTest, WithoutLeaveNothingIsChanged) {
+  mTree.File("file");
+  ChangePermit permit;
+  permit.Withdraw();
+  EXPECT_EQ(GetParam()(EntryOf("file"), EntryOf("new"), permit), ECANCELED);
+  EXPECT_TRUE(EntryOf("file").exists);
+  EXPECT_FALSE(EntryOf("new").exists);
+}
+
+TEST_F(RenamingTest, GivenUpInTheMiddleNothingIsTakenBack) {
+  mTree.File("file", "bytes");
+  mTree.Folder("folder");
+  ChangePermit forLink;
+  ChangePermit forFolder;
+  const SystemCallHook hook([&](SystemCall call, int, std::string_view) {
+    ChangePermit& permit = call == SystemCall::Linkat ? forLink : forFolder;
+    const bool isFirstStep = call == SystemCall::Linkat || call == SystemCall::Mkdirat;
+    EXPECT_TRUE(!isFirstStep || !permit.Withdraw()) << "it is under way";
+    return 0;
+  });
+  EXPECT_EQ(RenameByLink(EntryOf("file"), EntryOf("new"), forLink), ECANCELED);
+  EXPECT_TRUE(EntryOf("file").exists && EntryOf("new").exists);
+  EXPECT_EQ(RenameOntoReservedName(EntryOf("folder"), EntryOf("moved"), forFolder), ECANCELED);
+  EXPECT_TRUE(EntryOf("folder").exists && EntryOf("moved").exists);
+}
+
+// The step that takes the source away fails, though it may have been done.
+TEST_F(RenamingTest, IsToldAsDoneOnlyWhereTheSourceIsSeenToBeGone) {
+  struct Row {
+    const char* name;
+    Way way;
+    bool isDone;
+    int look;  // the errno of looking at the source then
+    int error;
+    bool sourceStays;
+    bool targetStays;
+  };
+  const Row rows[] = {
+      {"link, not done", &RenameByLink, false, 0, EIO, true, false},
+      {"link, done", &RenameByLink, true, 0, 0, false, true},
+      {"link, nobody knows", &RenameByLink, false, ESTALE, ESTALE, true, true},
+      {"link, done and nobody knows", &RenameByLink, true, EIO, EIO, false, true},
+      {"reserved, not done", &RenameOntoReservedName, false, 0, EIO, true, false},
+      {"reserved, done", &RenameOntoReservedName, true, 0, 0, false, true},
+      {"reserved, done and nobody knows", &RenameOntoReservedName, true, ESTALE, ESTALE, false,
+       true},
+  };
+  for (const Row& row : rows) {
+    SCOPED_TRACE(row.name);
+    mTree.File("file", "bytes");
+    ::unlink(mTree.At("new").c_str());
+    const FolderEntry source = EntryOf("file");
+    const FolderEntry target = EntryOf("new");
+    bool hasFailed = false;
+    std::optional<SystemCallHook> hook(
+        std::in_place, [&](SystemCall call, int, std::string_view name) {
+          if (name != "file") return 0;
+          if (call == SystemCall::Statx) return hasFailed ? row.look : 0;
+          const bool isUnlink = call == SystemCall::Unlinkat;
+          if (!isUnlink && call != SystemCall::Renameat) return 0;
+          if (row.isDone && isUnlink) ::unlink(mTree.At("file").c_str());
+          if (row.isDone && !isUnlink) ::rename(mTree.At("file").c_str(), mTree.At("new").c_str());
+          hasFailed = true;
+          return EIO;
+        });
+    EXPECT_EQ(Rename(row.way, source, target), row.error);
+    hook.reset();
+    EXPECT_TRUE(hasFailed);
+    EXPECT_EQ(EntryOf("file").exists, row.sourceStays);
+    EXPECT_EQ(EntryOf("new").exists, row.targetStays);
+  }
+}
+
+std::string NameOfWay(const testing::TestParamInfo<Way>& row) {
   constexpr const char* names[] = {"Kernel", "Link", "ReservedName"};
   return names[row.index];
 }
