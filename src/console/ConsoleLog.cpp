@@ -7,6 +7,7 @@
 #include "console/StandardStreams.h"
 #include "frame/ErrorReporting.h"
 #include "platform/Machine.h"
+#include "settings/OptionsFolder.h"
 
 namespace quillmarsh {
 
@@ -35,7 +36,8 @@ void ConsoleLog::Add(std::int32_t kind, TextView spareText, TextView fileSpec, T
 
 void ConsoleLog::TellOfLostBatch() {
   const std::uint32_t code = TheMachine().GetLastError();
-  if (std::exchange(mIsLossTold, true)) return;
+  // A user without a home has no place for one.
+  if (GetIniFileFolder().empty() || std::exchange(mIsLossTold, true)) return;
   PrintError("the history could not be written: " +
              ToUtf8(WithoutLineBreak(GetSystemErrorText(code))));
 }

@@ -138,7 +138,7 @@ class OddPlaces(Case):
         found, _ = oracle.found_groups("--match", "size,contents", self.tree, exit_codes=(1,), **as_nobody)
         self.assertEqual(found, {frozenset(os.fsencode(os.path.join(self.tree, name)) for name in "ac")})
         done = oracle.run("search", "--match", "size,contents", self.tree, **as_nobody)
-        self.assertRegex(done.stderr.decode(), r"^.*/b closed.*denied.*\n.*/d closed.*denied.*\n$")
+        self.assertRegex(done.stderr.decode(), r"^.*/b closed.*denied.*\n.*/d closed.*denied.*\n.*history could not.*\n$")
         # What is not read needs no permission.
         self.assertEqual(oracle.run("search", "--match", "size", self.tree, **as_nobody).returncode, 0)
 

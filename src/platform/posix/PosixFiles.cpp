@@ -71,6 +71,8 @@ std::uint32_t PosixFiles::Open(TextView path, const OpenRequest& request, OpenFi
     return OpenFileAt(*resolver, located, request, result);
   };
   error = mContext.Run(file.answers, opened, open);
+  // What was given up is not to make or to empty a file later.
+  if (error == ERROR_OPERATION_ABORTED && request.permit != nullptr) request.permit->Withdraw();
   if (error == ERROR_TOO_MANY_OPEN_FILES) {
     // Some of them only wait to be taken up.
     mPrefetcher.DropHints();
@@ -87,7 +89,9 @@ HANDLE PosixFiles::DoCreateFile(TextView path, std::uint32_t access, std::uint32
   auto file = std::make_unique<OpenFile>();
   Located located;
   bool existed = false;
-  if (const auto error = Open(path, {access, disposition, flags}, *file, located, existed))
+  OpenRequest request{access, disposition, flags};
+  if (disposition != OPEN_EXISTING) request.permit = std::make_shared<ChangePermit>();
+  if (const auto error = Open(path, request, *file, located, existed))
     return Fail(error, INVALID_HANDLE);
   const bool isRead = file->ahead != nullptr && file->ahead->isWhole;
   if ((flags & FILE_FLAG_SEQUENTIAL_SCAN) != 0 && !isRead)
