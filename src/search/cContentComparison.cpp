@@ -3,6 +3,7 @@
 // the machine is told which ones come next.
 #include "search/cContentComparison.h"
 
+#include <algorithm>
 #include <chrono>
 #include <deque>
 #include <random>
@@ -25,7 +26,10 @@ const Currency kNamedAbove = Currency::FromInteger(20 * 1024 * 1024);     // byt
 const Currency kProgressAbove = Currency::FromInteger(50 * 1024 * 1024);  // bytes
 constexpr std::chrono::milliseconds kProgressInterval{500};
 constexpr std::int32_t kRecordsPerLook = 4096;
-constexpr std::size_t kFilesAhead = 64;
+// How far the hints go: enough that nobody runs dry, and no more memory than a little.
+constexpr std::size_t kFilesAhead = 256;
+constexpr std::int64_t kBytesAhead = 8 * 1024 * 1024;
+constexpr std::int64_t kMostBytesOfOne = 128 * 1024;
 
 struct ReadAheadScope {
   ReadAheadScope() = default;
@@ -57,14 +61,24 @@ bool cContentComparison::ComputeChecksums() {
   DoEvents_Fast();
   if (!FindCandidates()) return false;
   const ReadAheadScope hints;
-  std::deque<Text> paths;  // of the candidates from the present one to the last that was hinted
+  // Of the candidates from the present one to the last that was hinted.
+  std::deque<Text> paths;
+  std::int64_t bytesAhead = 0;
+  const auto bytesOf = [this](std::size_t candidate) {
+    const Currency size = mResults.Record(mCandidates[candidate]).Size;
+    return std::min(size.ToInteger(), kMostBytesOfOne);
+  };
   std::size_t next = 0;
-  for (const std::int32_t candidate : mCandidates) {
-    for (; next < mCandidates.size() && paths.size() <= kFilesAhead; ++next) {
+  for (std::size_t present = 0; present < mCandidates.size(); ++present) {
+    for (; next < mCandidates.size() && paths.size() <= kFilesAhead &&
+           (bytesAhead < kBytesAhead || paths.empty());
+         ++next) {
       paths.push_back(mResults.FullPathOf(mResults.Record(mCandidates[next])));
       TheMachine().Files().ReadAhead(ToLongPath(paths.back()));
+      bytesAhead += bytesOf(next);
     }
-    if (!HandleCandidate(candidate, paths.front())) return false;
+    if (!HandleCandidate(mCandidates[present], paths.front())) return false;
+    bytesAhead -= bytesOf(present);
     paths.pop_front();
   }
   mResults.mAreContentsKnown = true;

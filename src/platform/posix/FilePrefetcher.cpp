@@ -49,6 +49,8 @@ std::unique_ptr<PrefetchedFile> ReadBeginning(const PathResolver& resolver, int 
   if (ReadFully(file->fd.Get(), file->head.get(), wanted, 0, file->headBytes) != 0) return nullptr;
   // A short count is the end only if it is the file's own; else a failing disk may be the reason.
   file->isWhole = file->headBytes < wanted && file->headBytes == file->facts.stx_size;
+  // Many short files may wait, and no handle is worth keeping for them.
+  if (file->isWhole) file->fd.Reset();
   return file;
 }
 
@@ -199,8 +201,8 @@ std::unique_ptr<PrefetchedFile> FilePrefetcher::Take(TextView path, Located& loc
   mJobs.erase(found);
   located = job->located;
   if (job->Claim(Job::State::Claimed)) {
-    // The helpers have nothing left, or they would have begun it.
-    if (!mUnposted.empty()) Post();
+    // Nothing is posted any more, so the helpers have nothing to do.
+    if (!mUnposted.empty() && mUnposted.front() == job) Post();
     return nullptr;
   }
   if (!AwaitEnd(job)) {

@@ -19,9 +19,9 @@ namespace quillmarsh {
 
 class Patience;
 
-// A regular file that is open for reading, and what was read of it. Its bytes never change.
+// A regular file that was opened for reading, and what was read of it. Its bytes never change.
 struct PrefetchedFile {
-  UniqueFd fd;
+  UniqueFd fd;            // closed already where the head is all of the file
   struct statx facts {};  // just behind the opening
   std::unique_ptr<std::byte[]> head;
   std::size_t headBytes = 0;
@@ -37,7 +37,7 @@ class FilePrefetcher {
   };
 
   // What a hint may cost: files that wait open, and bytes of the head of each.
-  static constexpr std::size_t MostFiles = 128;
+  static constexpr std::size_t MostFiles = 320;
   static constexpr std::size_t HeadBytes = std::size_t{128} << 10U;
 
   explicit FilePrefetcher(Settings settings) : mSettings(std::move(settings)) {}

@@ -111,7 +111,8 @@ bool PosixFiles::DoGetInformation(HANDLE handle, BY_HANDLE_FILE_INFORMATION& inf
   if (file == nullptr) return Fail(ERROR_INVALID_HANDLE, false);
   struct statx facts {};
   if (file->facts) {
-    facts = *std::exchange(file->facts, std::nullopt);
+    facts = *file->facts;
+    if (file->fd->Get() >= 0) file->facts.reset();
   } else {
     const std::uint32_t error =
         mContext.Run(file->answers, facts, [fd = file->fd](struct statx& found) {
@@ -222,6 +223,10 @@ bool PosixFiles::DoWrite(HANDLE handle, std::span<const std::byte> bytes, std::u
 }
 
 bool PosixFiles::SizeOf(const OpenFile& file, std::int64_t& size) {
+  if (file.fd->Get() < 0) {
+    size = static_cast<std::int64_t>(file.ahead->facts.stx_size);
+    return true;
+  }
   const std::uint32_t error = mContext.Run(file.answers, size, [fd = file.fd](std::int64_t& bytes) {
     struct stat facts {};
     const int failed = ::fstat(fd->Get(), &facts);

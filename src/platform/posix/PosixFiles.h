@@ -23,7 +23,8 @@ class PosixFiles final : public FileInputOutput {
     // Shared with a read that hangs, which then is the one to close the file.
     std::shared_ptr<UniqueFd> fd;
     std::unique_ptr<PrefetchedFile> ahead;  // what was read ahead, if it was
-    // As they were when the file was opened: good for the first question only.
+    // As they were when the file was opened: good for the first question only, and for all of them
+    // where the file was read whole and closed.
     std::optional<struct statx> facts;
     std::string name;  // hidden or not shows in it
     bool answers = true;
