@@ -23,4 +23,8 @@ std::vector<Text> SplitText(TextView text, TextView separator) {
   return pieces;
 }
 
+std::vector<Text> SplitListText(TextView list) {
+  return SplitText(list, SeparatorOfList(list));
+}
+
 }  // namespace quillmarsh

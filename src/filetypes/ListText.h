@@ -15,6 +15,9 @@ namespace quillmarsh {
 // The pieces between the separators (not empty), the empty ones too. An empty text has no piece.
 [[nodiscard]] std::vector<Text> SplitText(TextView text, TextView separator);
 
+// The pieces of a list text, by its own separator.
+[[nodiscard]] std::vector<Text> SplitListText(TextView list);
+
 // The pieces, any range of texts, with the separator between them.
 template <typename Pieces>
 [[nodiscard]] Text JoinTexts(const Pieces& pieces, TextView separator) {

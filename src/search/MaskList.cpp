@@ -7,7 +7,6 @@
 
 #include "base/CaseMapping.h"
 #include "platform/TextOperations.h"
-#include "settings/clsDupeSettings.h"
 
 namespace quillmarsh {
 
@@ -52,18 +51,6 @@ class UpperName {
 };
 
 }  // namespace
-
-std::vector<Text> SplitListText(TextView list) {
-  std::vector<Text> pieces;
-  if (list.empty()) return pieces;
-  const TextView separator = list.find(kListSeparator) != TextView::npos ? kListSeparator : u",";
-  for (;;) {
-    const std::size_t end = list.find(separator);
-    pieces.emplace_back(list.substr(0, end));
-    if (end == TextView::npos) return pieces;
-    list.remove_prefix(end + separator.size());
-  }
-}
 
 MaskList::MaskList(const std::vector<Text>& masks) {
   for (const Text& entry : masks) {

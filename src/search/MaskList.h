@@ -14,10 +14,6 @@
 
 namespace quillmarsh {
 
-// Pieces of a list text: split at "<:>" where the text holds it, else at ",". An empty text has
-// none.
-[[nodiscard]] std::vector<Text> SplitListText(TextView list);
-
 class MaskList {
  public:
   MaskList() = default;

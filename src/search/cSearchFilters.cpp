@@ -3,6 +3,7 @@
 #include "search/cSearchFilters.h"
 
 #include "base/TextEquality.h"
+#include "filetypes/ListText.h"
 
 namespace quillmarsh {
 

@@ -6,6 +6,7 @@
 
 #include <random>
 
+#include "filetypes/ListText.h"
 #include "platform/TextOperations.h"
 
 namespace quillmarsh {
