@@ -15,8 +15,10 @@
 #include "frame/Pump.h"
 #include "frame/TextTable.h"
 #include "fsobjects/Handles.h"
+#include "fsobjects/OpenFileFacts.h"
 #include "fsobjects/PrivateClipboard.h"
 #include "fsobjects/modUnicode.h"
+#include "pbcrc32/BlockPace.h"
 #include "pbcrc32/pbcrc32.h"
 
 namespace quillmarsh {
@@ -60,15 +62,14 @@ std::int32_t Failed() {
   return static_cast<std::int32_t>(ERROR_NOT_ENOUGH_MEMORY);
 }
 
-// A file that is open for the library. Of a long one the write time is kept, since it may be
-// written to while it is read and have its old length in the end.
+// A file that is open for the library. Of one that is read in several goes the facts are kept,
+// since it may be written to meanwhile and have its old length in the end.
 struct OpenForLibrary {
   explicit OpenForLibrary(HANDLE handle) : file(handle) {}
   FileHandle file;
-  std::optional<FILETIME> written;
+  std::optional<OpenFileFacts> before;
 };
-constexpr std::int64_t kReadAtOnce = 128 * 1024;  // bytes; a shorter file is read in one go
-bool hasChanged = false;
+bool isUnchanged = true;
 
 std::int32_t Open(void*, const char* path, std::uint32_t length, PB_OpenedFile* opened) {
   try {
@@ -78,13 +79,11 @@ std::int32_t Open(void*, const char* path, std::uint32_t length, PB_OpenedFile* 
         files.CreateFileW(ToLongPath(WidePath(path, length)), GENERIC_READ, FILE_SHARE_READ,
                           OPEN_EXISTING, FILE_FLAG_SEQUENTIAL_SCAN));
     if (!file->file.IsValid()) return LastErrorOr(ERROR_FILE_NOT_FOUND);
-    BY_HANDLE_FILE_INFORMATION information;
-    if (!files.GetFileInformationByHandle(file->file.Get(), information))
-      return LastErrorOr(ERROR_IO_DEVICE);
-    opened->size = static_cast<std::int64_t>((std::uint64_t{information.nFileSizeHigh} << 32U) |
-                                             information.nFileSizeLow);
+    const auto facts = FactsOfOpenFile(file->file.Get());
+    if (!facts) return LastErrorOr(ERROR_IO_DEVICE);
+    opened->size = facts->size;
     opened->mayReadOnTwoThreads = files.MayReadOnTwoThreads(file->file.Get()) ? 1 : 0;
-    if (opened->size >= kReadAtOnce) file->written = information.ftLastWriteTime;
+    if (facts->size >= pbcrc32::BlockBytes) file->before = facts;
     opened->file = file.release();
     return 0;
   } catch (...) {
@@ -105,10 +104,12 @@ std::int32_t Read(void*, void* file, std::int64_t position, void* buffer, std::u
 
 void Close(void*, void* file) {
   const std::unique_ptr<OpenForLibrary> closing(static_cast<OpenForLibrary*>(file));
-  if (!closing->written) return;
-  BY_HANDLE_FILE_INFORMATION information;
-  hasChanged = TheMachine().Files().GetFileInformationByHandle(closing->file.Get(), information) &&
-               information.ftLastWriteTime != *closing->written;
+  try {
+    // What cannot be told any more is not taken for unchanged.
+    if (closing->before) isUnchanged = FactsOfOpenFile(closing->file.Get()) == closing->before;
+  } catch (...) {
+    static_cast<void>(Failed());
+  }
 }
 
 void ShowProgress(void*, const char* text, std::uint32_t length) {
@@ -200,11 +201,11 @@ LibraryChecksum AskLibraryForCRC32(TextView path) {
   LibraryChecksum answer;
   const RunningChecksum running;
   pumpFailure = nullptr;
-  hasChanged = false;
+  isUnchanged = true;
   askingThread = std::this_thread::get_id();
   answer.value = getFileCrc32(pathText, answer.errorNumber, errorText);
   if (pumpFailure) std::rethrow_exception(std::exchange(pumpFailure, nullptr));
-  if (answer.errorNumber == 0 && hasChanged) answer.errorNumber = PB_ERROR_FILE_CHANGED;
+  if (answer.errorNumber == 0 && !isUnchanged) answer.errorNumber = PB_ERROR_FILE_CHANGED;
   if (answer.errorNumber == 0) return answer;
   answer.errorText = errorText.length == 0
                          ? GetSystemErrorText(static_cast<std::uint32_t>(answer.errorNumber))

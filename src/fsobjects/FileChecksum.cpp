@@ -12,18 +12,17 @@
 #include "frame/ProgramFlags.h"
 #include "frame/Pump.h"
 #include "fsobjects/ChecksumLibrary.h"
-#include "fsobjects/Handles.h"
+#include "fsobjects/OpenFileFacts.h"
 #include "fsobjects/PrivateClipboard.h"
 #include "fsobjects/cBinaryFileStream.h"
 #include "fsobjects/modUnicode.h"
 #include "pbcrc32/BlockPace.h"
 #include "pbcrc32/ProgressText.h"
+#include "pbcrc32/pbcrc32.h"
 
 namespace quillmarsh {
 
 namespace {
-
-constexpr std::uint32_t kFileChanged = 1006;  // the opened file is no longer valid
 
 // A failure with the number and the text that the history gets.
 struct ChecksumFailure {
@@ -62,26 +61,13 @@ std::int32_t Checked(bool& errorFlag, std::int32_t& errorNumber, Text& errorText
   return kChecksumFailed;
 }
 
-struct Facts {
-  std::int64_t size = 0;
-  FILETIME written;
-  friend bool operator==(const Facts&, const Facts&) = default;
-};
-Facts FactsOf(HANDLE file) {
-  BY_HANDLE_FILE_INFORMATION information;
-  if (!TheMachine().Files().GetFileInformationByHandle(file, information))
-    RaiseLastError(ERROR_IO_DEVICE);
-  const std::uint64_t high = information.nFileSizeHigh;
-  return {static_cast<std::int64_t>(high << 32U | information.nFileSizeLow),
-          information.ftLastWriteTime};
-}
-
 // The stream's own reading goes by positions that miss their place above 4 GiB; in sequence the
 // file's own position is always right.
 std::uint32_t ReadWhole(HANDLE file) {
   std::uint32_t crc = 0;
-  const Facts before = FactsOf(file);
-  const std::int64_t size = before.size;
+  const auto before = FactsOfOpenFile(file);
+  if (!before) RaiseLastError(ERROR_IO_DEVICE);
+  const std::int64_t size = before->size;
   // A byte more than a short file has, so that its end shows at once.
   std::vector<std::byte> block(
       static_cast<std::size_t>(std::min<std::int64_t>(size, pbcrc32::BlockBytes - 1)) + 1);
@@ -102,7 +88,9 @@ std::uint32_t ReadWhole(HANDLE file) {
     if (clock.IsDue())
       PublishCRCProgressText(pbcrc32::ProgressText(position, size, clock.Seconds()));
   }
-  if (position != size || FactsOf(file) != before) RaiseSystemError(kFileChanged);
+  if (gStopCRC) return crc;
+  // What cannot be told any more is not taken for unchanged.
+  if (position != size || FactsOfOpenFile(file) != before) RaiseSystemError(PB_ERROR_FILE_CHANGED);
   return crc;
 }
 

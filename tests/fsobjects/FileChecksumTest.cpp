@@ -131,6 +131,18 @@ TEST_F(FileChecksum, TellsWhyAFileCouldNotBeReadWhole) {
        [&](TextView path) { changeDuring(1, path, 200'000); }},
       {"emptied while it is read", "error 1006", [&](TextView path) { changeDuring(2, path, 0); }},
       {"longer by a byte", "error 1006", [&](TextView path) { changeDuring(2, path, 300'001); }},
+      {"written to at its old length", "error 1006",
+       [&](TextView path) {
+         hook.RunAfter({Operation::ReadFile, 1}, [this, path] {
+           machine.SetContents(path, FileContents::Recipe(3, 300'000).ChangedAt(0));
+           machine.SetTimes(path, 1, 2, machine.FactsOf(path).written + 1);
+         });
+       }},
+      {"its facts are not told in the end", "error 1006",
+       [&](TextView path) {
+         const std::size_t nth = path == kWide ? 3 : 2;
+         hook.Fail({Operation::GetFileInformationByHandle, nth}, ERROR_IO_DEVICE);
+       }},
       {"given up by the user within a read", "stopped",
        [&](TextView) {
          hook.RunBefore({Operation::ReadFile, 2}, [] { gStopCRC = true; });
