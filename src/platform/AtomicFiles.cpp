@@ -11,7 +11,6 @@ namespace {
 
 // No such file is longer; one that is has come to be it by accident, and would take all memory.
 constexpr std::size_t kMostBytesRead = std::size_t{64} << 20U;
-constexpr std::uint32_t ERROR_FILE_TOO_LARGE = 223;
 constexpr std::uint32_t kShareAll = FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE;
 constexpr std::size_t kBlockBytes = std::size_t{1} << 18U;
 constexpr std::size_t kLongestPlainPath = 248;

@@ -10,7 +10,6 @@ namespace quillmarsh {
 namespace {
 
 constexpr std::uint32_t kBelowFirstFormat = 0xC000;
-constexpr std::uint32_t ERROR_CLIPBOARD_NOT_OPEN = 1418;
 
 }  // namespace
 

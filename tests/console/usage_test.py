@@ -155,6 +155,8 @@ class Refusals(Case):
         self.make("tree/a/same.txt")
         tree = os.path.join(self.folder, "tree")
         self.assertIn("no such", self.refused("--exclude-folder", os.path.join(tree, "no such"), tree))
+        for whole in (tree, self.folder):
+            self.assertIn("lies below", self.refused("--exclude-folder", whole, tree))
         for option in ("--include-file", "--exclude-file", "--include-folder"):
             self.assertIn("empty", self.refused(option, " ", tree))
 
@@ -194,8 +196,32 @@ class Refusals(Case):
         self.assertIn(b"same.txt", done.stdout)
 
 
+class HandMade(Case):
+    def test_a_dupes_folder_named_by_hand_as_the_system_names_it_is_left_out(self):
+        kept = [self.make("tree/a/same.txt"), self.make("tree/b/same.txt")]
+        self.make("tree/Dupes/same.txt")
+        home = os.path.join(self.folder, "data home", "Harrow Fen", "Quillmarsh")
+        os.makedirs(home)
+        with open(os.path.join(home, "quillmarsh.ini"), "w", encoding="ascii") as file:
+            file.write(f"[Options]\nDUPESFolderPath={self.folder}/tree/Dupes\n")
+        found, _ = oracle.found_groups(os.path.join(self.folder, "tree"))
+        self.assertEqual(found, {frozenset(kept)})
+
+
 class Stop(Case):
     """A stop at any moment ends the program quickly, with its exit code and without a list."""
+
+    def test_a_hang_up_that_is_to_be_ignored_is_ignored(self):
+        for number in range(3000):
+            self.make(f"tree/a file with a name of some length {number}")
+        process = subprocess.Popen([oracle.PROGRAM, "search", "--match", "size", self.folder],
+                                   stdout=subprocess.PIPE,
+                                   preexec_fn=lambda: signal.signal(signal.SIGHUP, signal.SIG_IGN))
+        # The list is longer than the pipe, so the program now waits within it.
+        select.select([process.stdout], [], [], 60)
+        process.send_signal(signal.SIGHUP)
+        output = process.communicate(timeout=60)[0]
+        self.assertEqual((process.returncode, output.count(b"a file with a name")), (0, 3000))
 
     def stop_after(self, seconds, *arguments):
         """Runs, interrupts after `seconds`; answers the delay to the end, or None if it was over."""

@@ -22,7 +22,6 @@
 namespace quillmarsh {
 namespace {
 
-constexpr std::uint32_t ERROR_NEGATIVE_SEEK = 131;
 constexpr std::size_t MostBytes = std::numeric_limits<std::uint32_t>::max();
 // What a helper reads or writes in one go; it needs memory of its own.
 constexpr std::size_t MostBytesForHelper = std::size_t{8} << 20U;

@@ -13,7 +13,6 @@ namespace {
 
 constexpr std::uint32_t TRUNCATE_EXISTING = 5;
 constexpr std::uint32_t FILE_FLAG_OPEN_REPARSE_POINT = 0x00200000;
-constexpr std::uint32_t ERROR_NEGATIVE_SEEK = 131;
 constexpr std::uint32_t GENERIC_EXECUTE = 0x20000000;
 constexpr std::uint32_t GENERIC_ALL = 0x10000000;
 
