@@ -30,6 +30,11 @@ class DiskChange : public Role {
     return Run(Operation::MoveFileExW, existing, false,
                [&] { return DoMoveFile(existing, newPath, flags); });
   }
+  // MoveFileExW that may copy a file to another volume and replaces nothing.
+  [[nodiscard]] bool MoveFileW(TextView existing, TextView newPath) {
+    return Run(Operation::MoveFileW, existing, false,
+               [&] { return DoMoveFile(existing, newPath, MOVEFILE_COPY_ALLOWED); });
+  }
   // Copies contents, write time and the read-only bit of a file. The target appears under its name
   // when it is whole, never before. An existing target is 80 if that is to fail, else 5 for a
   // read-only one and for a folder; the source itself is 32.
@@ -41,12 +46,26 @@ class DiskChange : public Role {
   [[nodiscard]] bool CreateDirectoryW(TextView path) {
     return Run(Operation::CreateDirectoryW, path, false, [&] { return DoCreateDirectory(path); });
   }
+  // Removes an empty folder, and of a junction or a link to a folder the link itself. 145 when
+  // something is in it, 267 for a file, 2 when it is missing.
+  [[nodiscard]] bool RemoveDirectoryW(TextView path) {
+    return Run(Operation::RemoveDirectoryW, path, false, [&] { return DoRemoveDirectory(path); });
+  }
+  // Sets the bits of the entry itself that can be set; the others stay as they are, without a
+  // failure. A machine whose files have no such bit succeeds without effect, but for read-only,
+  // which is set for sure or fails.
+  [[nodiscard]] bool SetFileAttributesW(TextView path, std::uint32_t attributes) {
+    return Run(Operation::SetFileAttributesW, path, false,
+               [&] { return DoSetAttributes(path, attributes); });
+  }
 
  private:
   virtual bool DoDeleteFile(TextView path) = 0;
   virtual bool DoMoveFile(TextView existing, TextView newPath, std::uint32_t flags) = 0;
   virtual bool DoCopyFile(TextView existing, TextView newPath, bool failIfExists) = 0;
   virtual bool DoCreateDirectory(TextView path) = 0;
+  virtual bool DoRemoveDirectory(TextView path) = 0;
+  virtual bool DoSetAttributes(TextView path, std::uint32_t attributes) = 0;
 };
 
 }  // namespace quillmarsh

@@ -66,6 +66,14 @@ class FileInputOutput : public Role {
   [[nodiscard]] bool SetEndOfFile(HANDLE file) {
     return Run(Operation::SetEndOfFile, {}, false, [&] { return DoSetEnd(file); });
   }
+  // Sets the times that are given, in UTC ticks; the file must be open for writing. A time that the
+  // volume does not let itself be told (a creation time on Linux) is left as it is, which is no
+  // failure.
+  [[nodiscard]] bool SetFileTime(HANDLE file, const FILETIME* created, const FILETIME* accessed,
+                                 const FILETIME* written) {
+    return Run(Operation::SetFileTime, {}, false,
+               [&] { return DoSetTimes(file, created, accessed, written); });
+  }
   [[nodiscard]] bool FlushFileBuffers(HANDLE file) {
     return Run(Operation::FlushFileBuffers, {}, false, [&] { return DoFlush(file); });
   }
@@ -109,6 +117,8 @@ class FileInputOutput : public Role {
   virtual bool DoSetPointer(HANDLE file, std::int64_t distance, std::int64_t& newPosition,
                             std::uint32_t method) = 0;
   virtual bool DoSetEnd(HANDLE file) = 0;
+  virtual bool DoSetTimes(HANDLE file, const FILETIME* created, const FILETIME* accessed,
+                          const FILETIME* written) = 0;
   virtual bool DoFlush(HANDLE file) = 0;
   virtual bool DoClose(HANDLE file) = 0;
   virtual std::uint32_t DoGetAttributes(TextView path) = 0;

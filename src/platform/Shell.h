@@ -19,6 +19,26 @@ inline constexpr std::intptr_t SE_ERR_NOASSOC = 31;
 inline constexpr std::intptr_t kLastShellFailure = 32;
 inline constexpr std::int32_t SW_SHOWNORMAL = 1;
 
+inline constexpr std::uint32_t FO_DELETE = 3;
+inline constexpr std::uint16_t FOF_SILENT = 0x4;
+inline constexpr std::uint16_t FOF_NOCONFIRMATION = 0x10;
+inline constexpr std::uint16_t FOF_ALLOWUNDO = 0x40;
+inline constexpr std::uint16_t FOF_NOERRORUI = 0x400;
+
+// Answers of SHFileOperationW that are no system codes, of which these are given here.
+inline constexpr std::int32_t DE_ACCESSDENIEDSRC = 120;
+inline constexpr std::int32_t DE_PATHTOODEEP = 121;
+inline constexpr std::int32_t DE_INVALIDFILES = 124;
+
+// What SHFileOperationW is told and tells.
+struct SHFILEOPSTRUCTW {
+  std::uint32_t wFunc = 0;
+  Text pFrom;  // paths, each ended by a NUL, and one more NUL
+  Text pTo;
+  std::uint16_t fFlags = 0;
+  bool fAnyOperationsAborted = false;  // the user stopped it, whatever the answer is
+};
+
 class Shell : public Role {
  public:
   using Role::Role;
@@ -54,6 +74,18 @@ class Shell : public Role {
     return answer;
   }
 
+  // Sends files and folders to the Recycle Bin: FO_DELETE with FOF_ALLOWUNDO, one or more paths
+  // that do not end in a backslash. 0 when all of it is there, else a code of its own or of the
+  // system; what was not sent is where it was. The last error means nothing after it. A path with
+  // "\\?\" in front is refused, and one of 260 characters and more where the shell has that limit.
+  [[nodiscard]] std::int32_t SHFileOperationW(SHFILEOPSTRUCTW& operation) {
+    const std::uint32_t code =
+        RunForCode(Operation::SHFileOperationW,
+                   TextView(operation.pFrom).substr(0, operation.pFrom.find(u'\0')),
+                   [&] { return static_cast<std::uint32_t>(DoFileOperation(operation)); });
+    return static_cast<std::int32_t>(code);
+  }
+
   // Texts that mark a path as lying in the Recycle Bin when they occur anywhere in it. Empty where
   // the bin's place follows from the file system of the drive.
   [[nodiscard]] std::vector<Text> RecycleBinMarks() { return DoRecycleBinMarks(); }
@@ -65,6 +97,7 @@ class Shell : public Role {
   virtual Text DoGetTypeName(TextView name) = 0;
   virtual std::intptr_t DoExecute(TextView verb, TextView file, TextView parameters,
                                   std::int32_t show) = 0;
+  virtual std::int32_t DoFileOperation(SHFILEOPSTRUCTW& operation) = 0;
   virtual std::vector<Text> DoRecycleBinMarks() = 0;
 };
 

@@ -177,6 +177,14 @@ bool PosixDisk::DoCreateDirectory(TextView path) {
   return error == 0 || Fail(error == ERROR_FILE_NOT_FOUND ? ERROR_PATH_NOT_FOUND : error, false);
 }
 
+bool PosixDisk::DoRemoveDirectory(TextView /*path*/) {
+  return Fail(ERROR_NOT_SUPPORTED, false);
+}
+
+bool PosixDisk::DoSetAttributes(TextView /*path*/, std::uint32_t /*attributes*/) {
+  return Fail(ERROR_NOT_SUPPORTED, false);
+}
+
 std::uint32_t PosixDisk::RunChange(const Located& located, EntryOperation* operation) {
   char nothing = 0;
   return WithPermit([&](const std::shared_ptr<ChangePermit>& permit) {

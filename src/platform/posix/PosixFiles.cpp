@@ -265,6 +265,11 @@ bool PosixFiles::DoSetEnd(HANDLE handle) {
   return error == 0 || Fail(error, false);
 }
 
+bool PosixFiles::DoSetTimes(HANDLE /*file*/, const FILETIME* /*created*/,
+                            const FILETIME* /*accessed*/, const FILETIME* /*written*/) {
+  return Fail(ERROR_NOT_SUPPORTED, false);
+}
+
 bool PosixFiles::DoFlush(HANDLE handle) {
   const OpenFile* const file = mFiles.Find(handle);
   if (file == nullptr) return Fail(ERROR_INVALID_HANDLE, false);

@@ -48,6 +48,8 @@ class PosixFiles final : public FileInputOutput {
   bool DoSetPointer(HANDLE file, std::int64_t distance, std::int64_t& newPosition,
                     std::uint32_t method) override;
   bool DoSetEnd(HANDLE file) override;
+  bool DoSetTimes(HANDLE file, const FILETIME* created, const FILETIME* accessed,
+                  const FILETIME* written) override;
   bool DoFlush(HANDLE file) override;
   bool DoClose(HANDLE file) override;
   std::uint32_t DoGetAttributes(TextView path) override;

@@ -28,6 +28,8 @@ class PosixDisk final : public DiskChange {
   bool DoMoveFile(TextView existing, TextView newPath, std::uint32_t flags) override;
   bool DoCopyFile(TextView existing, TextView newPath, bool failIfExists) override;
   bool DoCreateDirectory(TextView path) override;
+  bool DoRemoveDirectory(TextView path) override;
+  bool DoSetAttributes(TextView path, std::uint32_t attributes) override;
 
   // Both answer a code.
   using EntryOperation = std::uint32_t(const PathResolver&, const Located&, ChangePermit&);

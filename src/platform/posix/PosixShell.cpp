@@ -173,6 +173,10 @@ std::intptr_t PosixShell::DoExecute(TextView /*verb*/, TextView file, TextView p
   return isStarted ? kStarted : SE_ERR_NOASSOC;
 }
 
+std::int32_t PosixShell::DoFileOperation(SHFILEOPSTRUCTW& /*operation*/) {
+  return static_cast<std::int32_t>(ERROR_NOT_SUPPORTED);
+}
+
 std::vector<Text> PosixShell::DoRecycleBinMarks() {
   const Text user = DecimalText(static_cast<std::int64_t>(::getuid()));
   std::vector<Text> marks;

@@ -32,6 +32,7 @@ class PosixShell final : public Shell {
   // The verb and how to show a window are the other program's own business here.
   std::intptr_t DoExecute(TextView verb, TextView file, TextView parameters,
                           std::int32_t show) override;
+  std::int32_t DoFileOperation(SHFILEOPSTRUCTW& operation) override;
   std::vector<Text> DoRecycleBinMarks() override;
 
   // The drive form of a native folder that need not exist; empty, with the last error set, on

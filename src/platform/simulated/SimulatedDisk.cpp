@@ -139,6 +139,12 @@ Volume* Disk::FindVolume(TextView root) {
   return nullptr;
 }
 
+bool Disk::IsWithin(const Node& node, const Node& folder) {
+  for (const Node* place = &node; place != nullptr; place = place->parent)
+    if (place == &folder) return true;
+  return false;
+}
+
 Node* Disk::FindChild(Node& folder, TextView name) {
   auto& children = folder.folder->byName;
   if (const auto found = children.find(name); found != children.end()) return *found;

@@ -102,6 +102,8 @@ class Disk {
   [[nodiscard]] Volume* FindVolume(TextView root);
   [[nodiscard]] std::deque<Volume>& Volumes() { return mVolumes; }
 
+  // Whether an entry is the folder or lies below it.
+  [[nodiscard]] static bool IsWithin(const Node& node, const Node& folder);
   // By name, or by short name where the volume keeps them.
   [[nodiscard]] Node* FindChild(Node& folder, TextView name);
   // The name must not be taken.

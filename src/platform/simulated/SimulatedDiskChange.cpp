@@ -25,28 +25,10 @@ struct Ends {
   [[nodiscard]] bool TargetExists() const { return target.node != nullptr; }
 };
 
-bool IsWithin(const Node& node, const Node& folder) {
-  for (const Node* place = &node; place != nullptr; place = place->parent)
-    if (place == &folder) return true;
-  return false;
-}
-
-// 0, or the code with which an entry refuses to go away from where it is. The right to delete is
-// asked of the entry alone, as of a person who may change files but has no full control of folders.
-std::uint32_t WhyNotTakenAway(const World& world, const Resolved& place) {
-  if (!world.Grants(*place.node, DELETE_ACCESS)) return ERROR_ACCESS_DENIED;
-  if (place.volume->facts.readOnly) return ERROR_WRITE_PROTECT;
-  if (world.SharingForbids(*place.node, DELETE_ACCESS, shareAll)) return ERROR_SHARING_VIOLATION;
-  const bool holdsOpenFile = std::ranges::any_of(world.files, [&](const auto& entry) {
-    return entry.second.node != place.node && IsWithin(*entry.second.node, *place.node);
-  });
-  return holdsOpenFile ? ERROR_ACCESS_DENIED : ERROR_SUCCESS;
-}
-
 std::uint32_t WhyNotReplaced(const World& world, const Resolved& place) {
   if (place.node->IsFolder()) return ERROR_ACCESS_DENIED;
   if ((place.node->attributes & FILE_ATTRIBUTE_READONLY) != 0) return ERROR_ACCESS_DENIED;
-  return WhyNotTakenAway(world, place);
+  return world.WhyNotTakenAway(place);
 }
 
 // 0, or the code with which the target's place refuses the moved entry.
@@ -97,11 +79,11 @@ void AddCopy(World& world, Ends ends, std::int64_t created) {
 
 std::uint32_t Rename(World& world, const Ends& ends, bool replaces) {
   Node& source = *ends.source.node;
-  std::uint32_t refusal = WhyNotTakenAway(world, ends.source);
+  std::uint32_t refusal = world.WhyNotTakenAway(ends.source);
   if (refusal != 0) return refusal;
   const bool isOntoItself = ends.target.node == &source;
   if (!isOntoItself) {
-    if (IsWithin(*ends.target.parent, source)) return ERROR_SHARING_VIOLATION;
+    if (Disk::IsWithin(*ends.target.parent, source)) return ERROR_SHARING_VIOLATION;
     refusal = WhyNotMovedTo(world, ends, replaces);
     if (refusal != 0) return refusal;
     if (ends.TargetExists()) TakeAway(world, ends.target);
@@ -133,7 +115,7 @@ std::uint32_t MoveByCopy(World& world, const Ends& ends, std::uint32_t flags) {
   if (!Fits(ends)) return ERROR_DISK_FULL;
   if (ends.TargetExists()) TakeAway(world, ends.target);
   AddCopy(world, ends, source.created);
-  if (WhyNotTakenAway(world, ends.source) == ERROR_SUCCESS) TakeAway(world, ends.source);
+  if (world.WhyNotTakenAway(ends.source) == ERROR_SUCCESS) TakeAway(world, ends.source);
   return ERROR_SUCCESS;
 }
 
@@ -157,6 +139,16 @@ bool CanBeMade(const Resolved& place) {
 }
 
 }  // namespace
+
+std::uint32_t World::WhyNotTakenAway(const Resolved& place) const {
+  if (!Grants(*place.node, DELETE_ACCESS)) return ERROR_ACCESS_DENIED;
+  if (place.volume->facts.readOnly) return ERROR_WRITE_PROTECT;
+  if (SharingForbids(*place.node, DELETE_ACCESS, shareAll)) return ERROR_SHARING_VIOLATION;
+  const bool holdsOpenFile = std::ranges::any_of(files, [&](const auto& entry) {
+    return entry.second.node != place.node && Disk::IsWithin(*entry.second.node, *place.node);
+  });
+  return holdsOpenFile ? ERROR_ACCESS_DENIED : ERROR_SUCCESS;
+}
 
 bool SimulatedDiskChange::DoDeleteFile(TextView path) {
   const Resolved place = mWorld->Look(path, LastLink::Keep);
@@ -209,6 +201,28 @@ bool SimulatedDiskChange::DoCopyFile(TextView existing, TextView newPath, bool f
     Overwrite(*mWorld, ends);
   else
     AddCopy(*mWorld, ends, mWorld->clock);
+  return true;
+}
+
+bool SimulatedDiskChange::DoRemoveDirectory(TextView path) {
+  const Resolved place = mWorld->Look(path, LastLink::Keep);
+  if (place.error != 0) return Fail(place.error, false);
+  if (!place.node->IsFolder()) return Fail(ERROR_DIRECTORY, false);
+  if (place.parent == nullptr) return Fail(ERROR_ACCESS_DENIED, false);
+  const std::uint32_t refusal = mWorld->WhyNotTakenAway(place);
+  if (refusal != 0) return Fail(refusal, false);
+  if (!place.node->folder->byName.empty()) return Fail(ERROR_DIR_NOT_EMPTY, false);
+  TakeAway(*mWorld, place);
+  return true;
+}
+
+bool SimulatedDiskChange::DoSetAttributes(TextView path, std::uint32_t attributes) {
+  const Resolved place = mWorld->Look(path, LastLink::Keep);
+  if (place.error != 0) return Fail(place.error, false);
+  if (!mWorld->Grants(*place.node, FILE_WRITE_ATTRIBUTES)) return Fail(ERROR_ACCESS_DENIED, false);
+  if (place.volume->facts.readOnly) return Fail(ERROR_WRITE_PROTECT, false);
+  place.node->attributes =
+      (place.node->attributes & ~storableAttributes) | (attributes & storableAttributes);
   return true;
 }
 

@@ -193,6 +193,17 @@ bool SimulatedFiles::DoSetEnd(HANDLE file) {
   return GrowTo(*open, static_cast<std::uint64_t>(open->position));
 }
 
+bool SimulatedFiles::DoSetTimes(HANDLE file, const FILETIME* created, const FILETIME* accessed,
+                                const FILETIME* written) {
+  const OpenFile* const open = Opened(file);
+  if (open == nullptr) return false;
+  if ((open->access & FILE_WRITE_ATTRIBUTES) == 0) return Fail(ERROR_ACCESS_DENIED, false);
+  if (created != nullptr) open->node->created = created->Ticks();
+  if (accessed != nullptr) open->node->accessed = accessed->Ticks();
+  if (written != nullptr) open->node->written = written->Ticks();
+  return true;
+}
+
 bool SimulatedFiles::DoFlush(HANDLE file) {
   const OpenFile* const open = Opened(file);
   if (open == nullptr) return false;

@@ -174,6 +174,12 @@ void SimulatedMachine::SetTypeName(TextView extension, TextView name) {
 void SimulatedMachine::SetShellAnswer(std::intptr_t answer) {
   mWorld->shellAnswer = answer;
 }
+void SimulatedMachine::SetBinAnswer(std::int32_t code) {
+  mWorld->binAnswer = code;
+}
+const std::vector<RecycledEntry>& SimulatedMachine::Recycled() const {
+  return mWorld->recycled;
+}
 const std::vector<StartedProgram>& SimulatedMachine::Started() const {
   return mWorld->started;
 }

@@ -15,6 +15,7 @@
 #include "base/LocaleFormat.h"
 #include "platform/Machine.h"
 #include "platform/simulated/FileContents.h"
+#include "platform/simulated/RecycledEntry.h"
 #include "platform/simulated/SimulatedDrive.h"
 #include "platform/simulated/StartedProgram.h"
 
@@ -101,6 +102,8 @@ class SimulatedMachine final : public Machine {
   void SetTypeName(TextView extension, TextView name);     // "txt", "Text Document"
   void SetShellAnswer(std::intptr_t answer);  // of ShellExecuteW; 32 and below start nothing
   [[nodiscard]] const std::vector<StartedProgram>& Started() const;
+  void SetBinAnswer(std::int32_t code);  // of SHFileOperationW; any but 0 refuses everything
+  [[nodiscard]] const std::vector<RecycledEntry>& Recycled() const;
   void SetWaitingEvents(std::uint32_t kinds);
   void SetPlacesWithoutLetter(std::vector<Text> places);
 

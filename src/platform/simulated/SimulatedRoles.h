@@ -39,6 +39,8 @@ class SimulatedFiles final : public FileInputOutput {
   bool DoSetPointer(HANDLE file, std::int64_t distance, std::int64_t& newPosition,
                     std::uint32_t method) override;
   bool DoSetEnd(HANDLE file) override;
+  bool DoSetTimes(HANDLE file, const FILETIME* created, const FILETIME* accessed,
+                  const FILETIME* written) override;
   bool DoFlush(HANDLE file) override;
   bool DoClose(HANDLE file) override;
   std::uint32_t DoGetAttributes(TextView path) override;
@@ -61,6 +63,8 @@ class SimulatedDiskChange final : public DiskChange {
   bool DoMoveFile(TextView existing, TextView newPath, std::uint32_t flags) override;
   bool DoCopyFile(TextView existing, TextView newPath, bool failIfExists) override;
   bool DoCreateDirectory(TextView path) override;
+  bool DoRemoveDirectory(TextView path) override;
+  bool DoSetAttributes(TextView path, std::uint32_t attributes) override;
   World* mWorld;
 };
 

@@ -19,7 +19,11 @@ class SimulatedShell final : public Shell {
   Text DoGetTypeName(TextView name) override;
   std::intptr_t DoExecute(TextView verb, TextView file, TextView parameters,
                           std::int32_t show) override;
+  std::int32_t DoFileOperation(SHFILEOPSTRUCTW& operation) override;
   std::vector<Text> DoRecycleBinMarks() override { return {}; }
+
+  // Answers a code of SHFileOperationW.
+  std::int32_t SendToBin(TextView path);
   World* mWorld;
 };
 

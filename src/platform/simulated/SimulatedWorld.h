@@ -10,6 +10,7 @@
 #include "base/LocaleFormat.h"
 #include "platform/ExecutableFormats.h"
 #include "platform/Machine.h"
+#include "platform/simulated/RecycledEntry.h"
 #include "platform/simulated/SimulatedPaths.h"
 #include "platform/simulated/StartedProgram.h"
 
@@ -20,6 +21,7 @@ inline constexpr std::uint32_t FILE_READ_DATA = 0x1;   // of a folder: list it
 inline constexpr std::uint32_t FILE_WRITE_DATA = 0x2;  // of a folder: add a file
 inline constexpr std::uint32_t FILE_ADD_SUBDIRECTORY = 0x4;
 inline constexpr std::uint32_t FILE_READ_ATTRIBUTES = 0x80;
+inline constexpr std::uint32_t FILE_WRITE_ATTRIBUTES = 0x100;
 inline constexpr std::uint32_t DELETE_ACCESS = 0x10000;
 inline constexpr std::uint32_t READ_CONTROL = 0x20000;
 // Attributes that a file can be given.
@@ -83,6 +85,8 @@ struct World final : Resolver {
   std::map<Text, Text> typeNames;  // by upper-cased extension
   std::intptr_t shellAnswer = 42;
   std::vector<StartedProgram> started;
+  std::int32_t binAnswer = 0;  // with which the Recycle Bin refuses
+  std::vector<RecycledEntry> recycled;
   std::uint32_t waitingEvents = 0;
   std::vector<Text> placesWithoutLetter;
   std::function<Patience*()> patience = [] { return nullptr; };
@@ -105,6 +109,10 @@ struct World final : Resolver {
   // FILE_ADD_SUBDIRECTORY.
   [[nodiscard]] std::uint32_t WhyNotAdded(const Node& parent, const Volume& volume,
                                           std::uint32_t right) const;
+  // 0, or the code with which an entry refuses to go away from where it is. The right to delete is
+  // asked of the entry alone, as of a person who may change files but has no full control of
+  // folders.
+  [[nodiscard]] std::uint32_t WhyNotTakenAway(const Resolved& place) const;
   // A new entry with the times of this moment.
   Node& AddNow(Node& parent, TextView name, std::uint32_t attributes, bool isFolder);
   // Attributes as the platform tells them: 128 where no other bit is set.
