@@ -29,6 +29,46 @@ systems below a folder only when they are named themselves.
 Exit codes: 0 done; 1 done, but something could not be read; 2 bad usage, a refused request or a
 failure; 130 stopped (Ctrl+C). After 2 and 130 what was written is not a whole list.)";
 
+constexpr const char* kSelectFooter = R"(
+Rules (the default is keep-newest; --rule takes one):
+  newest, oldest, smallest, largest
+      one file of each group is selected
+  keep-newest, keep-oldest, keep-smallest, keep-largest
+      all but one file of each group are selected
+  drive=D, not-drive=D
+      the files on a drive, by its letter or any path on it
+  folder=P, not-folder=P
+      the files in a folder and below it
+  larger-than=SIZE
+      the files of more than this size: 4096, 300K, 1.5M, 2G
+  older-than=DATE
+      the files last changed before this moment: 2024-01-31, "2024-01-31 18:30:00"
+  mask=M, not-mask=M
+      the files by their names: '*.bak', '*.bak;*.old'
+A rule that would select every file of a group leaves the newest one, unless --allow-all is given.
+
+The text output has [x] before a file that is selected and [ ] before one that stays. With
+--format null only the selected files are written.)";
+
+constexpr const char* kRemoveFooter = R"(
+Methods:
+  delete              for good
+  recycle             into the desktop's trash
+  dupes[=FOLDER]      into the DUPES folder, below the path that they came from
+  move=FOLDER         into a folder, under a new name where theirs is taken
+
+Without --yes nothing is removed where standard input is a terminal; the list of what would be
+removed is shown instead, as with --dry-run. Rules are those of "quillmarsh-cli select --help".
+
+Before a file goes, it and a copy that stays are looked at once more; with contents among --match
+their bytes are compared. What has changed since the search stays, and is told.
+
+  quillmarsh-cli remove --rule keep-oldest --method recycle --dry-run ~/Pictures ~/Backup
+  quillmarsh-cli remove --match size,contents --method dupes --yes ~/Pictures
+
+Exit codes: 0 all of it was removed; 1 some files were left or could not be read; 2 bad usage or a
+refused request; 130 stopped (Ctrl+C). All that was done is in the history.)";
+
 // Names an option's kind of value and nothing more; what may stand there is told in the text.
 class PlainFormatter final : public CLI::Formatter {
  public:
@@ -115,10 +155,30 @@ void AddSearchOptions(CLI::App& app, SearchArguments& search) {
       ->excludes(quiet);
 }
 
+void AddRuleOptions(CLI::App& app, RuleArguments& rule) {
+  app.add_option("--rule", rule.rule, "Which files of each group are selected; see below")
+      ->type_name("RULE");
+  app.add_flag("--allow-all", rule.allowsAll, "Let the rule select every file of a group");
+}
+
+void AddRemovalOptions(CLI::App& app, RemoveArguments& remove) {
+  app.add_option("--method", remove.method, "How the selected files go; see below")
+      ->type_name("METHOD")
+      ->required();
+  auto* yes = app.add_flag("--yes", remove.isAgreed, "Remove them, also from a terminal");
+  app.add_flag("--dry-run", remove.isDryRun, "List what would be removed, and remove nothing")
+      ->excludes(yes);
+  app.add_flag(
+      "--no-verify", [&remove](std::int64_t) { remove.isVerified = false; },
+      "Do not look at the files once more before they go");
+  app.add_flag("--allow-permanent", remove.allowsPermanent,
+               "Delete for good what the trash refuses; it is left alone otherwise");
+}
+
 // The parser takes a folder such as "[old]" for a list; "./[old]" is the same folder and a plain
 // text.
-std::vector<std::string> WithPlainFolders(const CLI::App& search, int argc,
-                                          const char* const* argv) {
+std::vector<std::string> WithPlainFolders(const CLI::App& app, int argc, const char* const* argv) {
+  const CLI::App* const command = argc > 1 ? app.get_subcommand_no_throw(argv[1]) : nullptr;
   std::vector<std::string> arguments;
   bool isValue = false;
   bool areAllFolders = false;
@@ -126,7 +186,8 @@ std::vector<std::string> WithPlainFolders(const CLI::App& search, int argc,
     std::string argument = argv[i];
     if (argument.starts_with("--") && !areAllFolders && !isValue) {
       areAllFolders = argument == "--";
-      const CLI::Option* option = search.get_option_no_throw(argument);
+      const CLI::Option* option =
+          command == nullptr ? nullptr : command->get_option_no_throw(argument);
       isValue = option != nullptr && option->get_type_size() > 0;
     } else {
       if (argument.starts_with('[') && !isValue) argument.insert(0, "./");
@@ -153,27 +214,59 @@ void PrintShown(std::ostream& stream, const std::string& text) {
 }  // namespace
 
 ParsedCommandLine ParseCommandLine(int argc, const char* const* argv) {
-  CLI::App app("Finds duplicate files.", "quillmarsh-cli");
+  CLI::App app("Finds duplicate files and helps to get rid of them.", "quillmarsh-cli");
   app.formatter(std::make_shared<PlainFormatter>());
-  app.footer("\nquillmarsh-cli search --help tells the options of a search.");
+  app.footer("\nquillmarsh-cli COMMAND --help tells the options of a command.");
   app.set_version_flag("--version", std::string("quillmarsh-cli ") + QUILLMARSH_VERSION);
   app.require_subcommand(1);
+
   SearchArguments search;
   CLI::App* searchCommand = app.add_subcommand(
       "search", "Find and list groups of duplicate files; none of them is changed");
   AddSearchOptions(*searchCommand, search);
   searchCommand->footer(kFooter);
+
+  SelectArguments select;
+  CLI::App* selectCommand = app.add_subcommand(
+      "select", "The same, with the files that a rule selects; none of them is changed");
+  AddRuleOptions(*selectCommand, select.rule);
+  AddSearchOptions(*selectCommand, select.search);
+  selectCommand->footer(kSelectFooter);
+
+  RemoveArguments remove;
+  CLI::App* removeCommand =
+      app.add_subcommand("remove", "Remove the files that a rule selects, or list them");
+  AddRuleOptions(*removeCommand, remove.rule);
+  AddRemovalOptions(*removeCommand, remove);
+  AddSearchOptions(*removeCommand, remove.search);
+  removeCommand->footer(kRemoveFooter);
+
+  ExportArguments exported;
+  CLI::App* exportCommand =
+      app.add_subcommand("export", "Write the groups into a file, as a text report by default");
+  exportCommand
+      ->add_option("--output", exported.output,
+                   "The file; one of the name is replaced once the new one is whole")
+      ->type_name("FILE")
+      ->required();
+  AddSearchOptions(*exportCommand, exported.search);
+  exportCommand->footer("");
+
   HistoryArguments history;
   CLI::App* historyCommand =
       app.add_subcommand("history", "Show the record of all searches and removals, or clear it");
   historyCommand->add_flag("--clear", history.clears, "Delete the record for good");
   historyCommand->footer("");
+
   ParsedCommandLine parsed;
   try {
-    std::vector<std::string> arguments = WithPlainFolders(*searchCommand, argc, argv);
+    std::vector<std::string> arguments = WithPlainFolders(app, argc, argv);
     std::reverse(arguments.begin(), arguments.end());  // as the parser wants them
     app.parse(std::move(arguments));
     if (searchCommand->parsed()) parsed.search = std::move(search);
+    if (selectCommand->parsed()) parsed.select = std::move(select);
+    if (removeCommand->parsed()) parsed.remove = std::move(remove);
+    if (exportCommand->parsed()) parsed.exported = std::move(exported);
     if (historyCommand->parsed()) parsed.history = history;
   } catch (const CLI::ParseError& error) {
     std::ostringstream out;

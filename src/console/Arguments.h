@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "console/ExitCodes.h"
+#include "console/RuleChoice.h"
 
 namespace quillmarsh {
 
@@ -29,6 +30,26 @@ struct SearchArguments {
   bool showsProgress = false;  // also where standard error is no terminal
 };
 
+struct SelectArguments {
+  SearchArguments search;
+  RuleArguments rule;
+};
+
+struct RemoveArguments {
+  SearchArguments search;
+  RuleArguments rule;
+  std::string method;  // delete, recycle, dupes[=FOLDER], move=FOLDER
+  bool isAgreed = false;
+  bool isDryRun = false;
+  bool isVerified = true;        // files are looked at once more before they go
+  bool allowsPermanent = false;  // what the Recycle Bin refuses is deleted for good
+};
+
+struct ExportArguments {
+  SearchArguments search;
+  std::string output;
+};
+
 struct HistoryArguments {
   bool clears = false;
 };
@@ -36,8 +57,15 @@ struct HistoryArguments {
 // At most one of the commands.
 struct ParsedCommandLine {
   std::optional<SearchArguments> search;
+  std::optional<SelectArguments> select;
+  std::optional<RemoveArguments> remove;
+  std::optional<ExportArguments> exported;
   std::optional<HistoryArguments> history;
   ExitCode exitCode = ExitCode::Done;  // when there is no command to run
+
+  [[nodiscard]] bool HasCommand() const {
+    return search || select || remove || exported || history;
+  }
 };
 
 // Reads the command line. Help goes to standard output, a mistake to standard error with what is

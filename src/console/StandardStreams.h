@@ -6,16 +6,18 @@
 #include <string>
 #include <string_view>
 
+#include "console/ByteOutput.h"
+
 namespace quillmarsh {
 
-class StandardOutput {
+class StandardOutput final : public ByteOutput {
  public:
   // Standard output is not buffered a second time behind this.
   StandardOutput();
-  void Write(std::string_view bytes);
+  void Write(std::string_view bytes) override;
   // Hands everything over. False when any write failed; the first failure has been told.
   [[nodiscard]] bool Finish();
-  [[nodiscard]] bool HasFailed() const { return mHasFailed; }
+  [[nodiscard]] bool HasFailed() const override { return mHasFailed; }
 
  private:
   void Flush();

@@ -6,19 +6,32 @@
 #include "console/HistoryCommand.h"
 #include "console/MakeMachine.h"
 #include "console/ProgramObjects.h"
+#include "console/RemoveCommand.h"
 #include "console/SearchCommand.h"
 #include "console/StandardStreams.h"
 
+namespace {
+
+using namespace quillmarsh;
+
+ExitCode RunCommand(const ParsedCommandLine& commandLine, ProgramObjects& objects) {
+  if (commandLine.history) return RunHistory(*commandLine.history);
+  if (commandLine.select) return RunSelect(*commandLine.select, objects);
+  if (commandLine.remove) return RunRemove(*commandLine.remove, objects);
+  if (commandLine.exported) return RunExport(*commandLine.exported, objects);
+  return RunSearch(*commandLine.search, objects);
+}
+
+}  // namespace
+
 int main(int argc, char** argv) {
-  using namespace quillmarsh;
   try {
     const ParsedCommandLine commandLine = ParseCommandLine(argc, argv);
-    if (!commandLine.search && !commandLine.history) return static_cast<int>(commandLine.exitCode);
+    if (!commandLine.HasCommand()) return static_cast<int>(commandLine.exitCode);
     const std::unique_ptr<Machine> machine = MakeMachine();
     ProgramObjects objects(*machine);
     if (!objects.IsUsable()) return static_cast<int>(ExitCode::Refused);
-    if (commandLine.history) return static_cast<int>(RunHistory(*commandLine.history));
-    return static_cast<int>(RunSearch(*commandLine.search, objects));
+    return static_cast<int>(RunCommand(commandLine, objects));
   } catch (const std::exception& error) {
     PrintError(error.what());
     return static_cast<int>(ExitCode::Refused);

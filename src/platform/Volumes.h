@@ -62,6 +62,10 @@ class Volumes : public Role {
   [[nodiscard]] CanonicalLocation LocationFromNative(std::string_view native) {
     return DoLocationFromNative(native);
   }
+  // The same for what is to be made: parts at its end may be missing.
+  [[nodiscard]] CanonicalLocation NewLocationFromNative(std::string_view native) {
+    return DoNewLocationFromNative(native);
+  }
   // A mask or a piece of a path, given as native bytes, in the letters in which the program knows
   // names.
   [[nodiscard]] Text TextFromNative(std::string_view native, NativeTextKind kind) const {
@@ -82,6 +86,7 @@ class Volumes : public Role {
   virtual Text DoGetMountVolume(TextView path) = 0;
   virtual bool DoSetLabel(TextView root, TextView label) = 0;
   virtual CanonicalLocation DoLocationFromNative(std::string_view native) = 0;
+  virtual CanonicalLocation DoNewLocationFromNative(std::string_view native) = 0;
   virtual Text DoTextFromNative(std::string_view native, NativeTextKind) const {
     return FromUtf8(native);
   }

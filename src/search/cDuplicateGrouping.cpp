@@ -73,6 +73,8 @@ void cDuplicateGrouping::DropGroups() {
 cDuplicateGrouping::Outcome cDuplicateGrouping::SortAndGroup() {
   // A list that stands from an earlier search is made anew, so that no group appears in it twice.
   DropGroups();
+  // Files that were removed since the search are not found again.
+  mResults.DropTakenOutRecords();
   const std::int32_t count = mResults.RecordCount();
   // After a stop there is no whole set of records, and so nothing true to list.
   if (count == 0 || gUserAbort) return Outcome::NothingToGroup;

@@ -107,12 +107,12 @@ bool PosixVolumes::DoSetLabel(TextView root, TextView /*label*/) {
   return DriveOfRoot(root, table) != nullptr && Fail(ERROR_NOT_SUPPORTED, false);
 }
 
-CanonicalLocation PosixVolumes::DoLocationFromNative(std::string_view native) {
+CanonicalLocation PosixVolumes::LocationOf(std::string_view native, MissingTail tail) {
   // The mounts are read after the walk, which may itself have mounted something.
   CanonicalPath canonical;
   std::uint32_t error =
-      mContext.Run(false, canonical, [own = std::string(native)](CanonicalPath& found) {
-        found = Canonical(own, MissingTail::Refused);
+      mContext.Run(false, canonical, [own = std::string(native), tail](CanonicalPath& found) {
+        found = Canonical(own, tail);
         return found.parentMissing ? ERROR_PATH_NOT_FOUND : SystemErrorFromErrno(found.error);
       });
   std::optional<Text> form;
@@ -126,6 +126,14 @@ CanonicalLocation PosixVolumes::DoLocationFromNative(std::string_view native) {
     return {{}, error};
   }
   return {std::move(*form), ERROR_SUCCESS};
+}
+
+CanonicalLocation PosixVolumes::DoLocationFromNative(std::string_view native) {
+  return LocationOf(native, MissingTail::Refused);
+}
+
+CanonicalLocation PosixVolumes::DoNewLocationFromNative(std::string_view native) {
+  return LocationOf(native, MissingTail::Kept);
 }
 
 Text PosixVolumes::DoTextFromNative(std::string_view native, NativeTextKind kind) const {

@@ -8,6 +8,7 @@
 #include <memory>
 
 #include "platform/Volumes.h"
+#include "platform/posix/NativeWalk.h"
 #include "platform/posix/PosixContext.h"
 
 namespace quillmarsh {
@@ -24,11 +25,13 @@ class PosixVolumes final : public Volumes {
   Text DoGetMountVolume(TextView path) override;
   bool DoSetLabel(TextView root, TextView label) override;
   CanonicalLocation DoLocationFromNative(std::string_view native) override;
+  CanonicalLocation DoNewLocationFromNative(std::string_view native) override;
   Text DoTextFromNative(std::string_view native, NativeTextKind kind) const override;
   Text DoShownPath(TextView path) const override;
   std::string DoNativePath(TextView path) const override;
   std::vector<Text> DoPlacesWithoutLetter() const override;
 
+  CanonicalLocation LocationOf(std::string_view native, MissingTail tail);
   // The drive whose root this is; null, with the last error set, when there is none.
   const Drive* DriveOfRoot(TextView root, std::shared_ptr<const DriveTable>& table);
 

@@ -80,6 +80,7 @@ class SimulatedVolumes final : public Volumes {
   Text DoGetMountVolume(TextView path) override;
   bool DoSetLabel(TextView root, TextView label) override;
   CanonicalLocation DoLocationFromNative(std::string_view native) override;
+  CanonicalLocation DoNewLocationFromNative(std::string_view native) override;
   Text DoShownPath(TextView path) const override;
   std::string DoNativePath(TextView path) const override;
   std::vector<Text> DoPlacesWithoutLetter() const override;

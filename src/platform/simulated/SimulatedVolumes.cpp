@@ -99,6 +99,18 @@ CanonicalLocation SimulatedVolumes::DoLocationFromNative(std::string_view native
   return {PathOf(*place.node), ERROR_SUCCESS};
 }
 
+CanonicalLocation SimulatedVolumes::DoNewLocationFromNative(std::string_view native) {
+  CanonicalLocation location = DoLocationFromNative(native);
+  const bool isMissing =
+      location.error == ERROR_FILE_NOT_FOUND || location.error == ERROR_PATH_NOT_FOUND;
+  const std::size_t last = native.find_last_of('\\');
+  if (!isMissing || last == std::string_view::npos || last + 1 == native.size()) return location;
+  CanonicalLocation above = DoNewLocationFromNative(native.substr(0, last));
+  if (above.error != 0) return above;
+  if (above.path.back() != u'\\') above.path += u'\\';
+  return {above.path + FromUtf8(native.substr(last + 1)), ERROR_SUCCESS};
+}
+
 Text SimulatedVolumes::DoShownPath(TextView path) const {
   Text shown(path);
   for (char16_t& unit : shown)

@@ -16,6 +16,19 @@ void cResultsList::Add(std::int32_t itemData) {
   TellChange();
 }
 
+void cResultsList::RemoveIf(const std::function<bool(std::int32_t itemData)>& predicate) {
+  std::int32_t selected = NoItem;
+  std::size_t kept = 0;
+  for (std::size_t i = 0; i < mItems.size(); ++i) {
+    if (predicate(mItems[i])) continue;
+    if (static_cast<std::int32_t>(i) == mSelected) selected = static_cast<std::int32_t>(kept);
+    mItems[kept++] = mItems[i];
+  }
+  mItems.resize(kept);
+  mSelected = selected;
+  TellChange();
+}
+
 std::int32_t cResultsList::ItemData(std::int32_t position) const {
   if (position < 0 || position >= Count()) return NoItem;
   return mItems[static_cast<std::size_t>(position)];

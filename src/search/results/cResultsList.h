@@ -28,6 +28,12 @@ class cResultsList {
   // Adds an item at the end.
   void Add(std::int32_t itemData);
 
+  // Removes every item whose data the predicate is true for, in one pass. The selection stays with
+  // its item, or is gone with it.
+  void RemoveIf(const std::function<bool(std::int32_t itemData)>& predicate);
+  // The cells or marks of items have changed, without the list having.
+  void TellItemsChanged() const { TellChange(); }
+
   // What a view sees: nothing while the list is locked.
   [[nodiscard]] std::int32_t VisibleCount() const { return mIsLocked ? 0 : Count(); }
   [[nodiscard]] std::int32_t Count() const { return static_cast<std::int32_t>(mItems.size()); }

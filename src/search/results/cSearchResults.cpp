@@ -17,6 +17,17 @@ void Release(std::vector<T>& array) {
   std::vector<T>().swap(array);
 }
 
+// Cuts the first occurrence of an index out of a group's text, as a plain piece of text: of 12 in
+// 312,7,12 it leaves 37,12. Nothing lists, marks or removes by this text.
+void CutFromText(Text& text, const Text& index) {
+  for (const Text& piece : {index + u',', u',' + index, index}) {
+    const std::size_t found = text.find(piece);
+    if (found == Text::npos) continue;
+    text.erase(found, piece.size());
+    return;
+  }
+}
+
 }  // namespace
 
 cSearchResults::cSearchResults() {
@@ -41,21 +52,68 @@ void cSearchResults::AddGroup(std::int32_t firstRecord, std::int32_t count, Curr
   mDupeTotalSize = Currency::SaturatingSum(mDupeTotalSize, totalSize);
 }
 
+bool cSearchResults::HasGroup(std::int32_t group) const {
+  return group >= 1 && group <= static_cast<std::int32_t>(mGroupMembers.size());
+}
+
 std::vector<std::int32_t> cSearchResults::MembersOf(std::int32_t group) const {
   std::vector<std::int32_t> members;
-  if (group < 1 || group > static_cast<std::int32_t>(mGroupMembers.size())) return members;
+  if (!HasGroup(group)) return members;
   const MemberRange& range = mGroupMembers[static_cast<std::size_t>(group) - 1];
-  for (std::int32_t i = 0; i < range.count; ++i) members.push_back(range.first + i);
+  members.reserve(static_cast<std::size_t>(range.count));
+  for (std::int32_t record = range.first; record < range.first + range.count; ++record) {
+    if (!IsTakenOut(record)) members.push_back(record);
+  }
   return members;
 }
 
 Text cSearchResults::mGroupFileIndexes(std::int32_t group) const {
   Text text;
-  for (const std::int32_t member : MembersOf(group)) {
+  if (!HasGroup(group)) return text;
+  const MemberRange& range = mGroupMembers[static_cast<std::size_t>(group) - 1];
+  for (std::int32_t record = range.first; record < range.first + range.count; ++record) {
     if (!text.empty()) text += u',';
-    text += DecimalText(member);
+    text += DecimalText(record);
   }
+  const auto cuts = mCuts.find(group);
+  if (cuts == mCuts.end()) return text;
+  for (const std::int32_t record : cuts->second) CutFromText(text, DecimalText(record));
   return text;
+}
+
+bool cSearchResults::IsTakenOut(std::int32_t record) const {
+  const auto place = static_cast<std::size_t>(record) - 1;
+  return place < mIsTakenOut.size() && mIsTakenOut[place];
+}
+
+void cSearchResults::MarkAsTakenOut(std::int32_t record) {
+  if (record < 1 || record > RecordCount()) return;
+  if (mIsTakenOut.empty()) mIsTakenOut.resize(static_cast<std::size_t>(RecordCount()));
+  mIsTakenOut[static_cast<std::size_t>(record) - 1] = true;
+}
+
+void cSearchResults::TakeOut(std::int32_t group, std::int32_t record) {
+  if (!HasGroup(group)) return;
+  MarkAsTakenOut(record);
+  mCuts[group].push_back(record);
+}
+
+void cSearchResults::EmptyGroup(std::int32_t group, std::int32_t record) {
+  if (!HasGroup(group)) return;
+  MarkAsTakenOut(record);
+  mCuts.erase(group);
+  const auto row = static_cast<std::size_t>(group) - 1;
+  mGroupMembers[row] = {};
+  mGroupTotalSize[row] = {};
+  mGroupFileCount[row] = 0;
+}
+
+void cSearchResults::DropTakenOutRecords() {
+  std::int32_t record = 0;
+  const auto dropped =
+      std::erase_if(mDupeFiles, [&](const DupeFileUDT&) { return IsTakenOut(++record); });
+  mFileCount = std::max(mFileCount - static_cast<std::int32_t>(dropped), 0);
+  mIsTakenOut.clear();
 }
 
 Text cSearchResults::KeyTextOf(std::int32_t group) const {
@@ -66,9 +124,11 @@ Text cSearchResults::KeyTextOf(std::int32_t group) const {
 }
 
 Text cSearchResults::GroupCell(std::int32_t group, int column) const {
-  if (group < 1 || group > static_cast<std::int32_t>(mGroupMembers.size())) return {};
+  if (!HasGroup(group)) return {};
   const auto row = static_cast<std::size_t>(group) - 1;
-  const DupeFileUDT& first = Record(mGroupMembers[row].first);
+  const std::int32_t firstRecord = mGroupMembers[row].first;
+  if (firstRecord == 0) return {};  // emptied
+  const DupeFileUDT& first = Record(firstRecord);
   switch (column) {
     case 0:
       return mCriteria.namesMatch ? Text(NameOf(first))
@@ -86,6 +146,7 @@ void cSearchResults::ClearGroups() {
   Release(mGroupMembers);
   Release(mGroupTotalSize);
   Release(mGroupFileCount);
+  mCuts.clear();
   mDupeFileCount = 0;
   mGroupCount = 0;
   mDupeTotalSize = {};
@@ -93,6 +154,7 @@ void cSearchResults::ClearGroups() {
 
 void cSearchResults::ResetModuleLevelArraysForNewSearch() {
   Release(mDupeFiles);
+  Release(mIsTakenOut);
   ClearGroups();
   Release(mFileMarked);
   mNames.Clear();

@@ -53,12 +53,27 @@ class cSearchResults {
   [[nodiscard]] TextView NameOf(const DupeFileUDT& record) const { return mNames.Get(record.Name); }
   [[nodiscard]] Text FullPathOf(const DupeFileUDT& record) const;
 
-  // A new group whose members are the records from `firstRecord` on, `count` of them.
+  // Groups. A new one has as members the records from `firstRecord` on, `count` of them; what is
+  // said of one below that answers nothing for a group that is not there.
   void AddGroup(std::int32_t firstRecord, std::int32_t count, Currency totalSize);
-  // The members of a group (from 1) as decimal record indexes joined by ",".
+  // The members of a group (from 1) as decimal record indexes joined by ",". Once files were taken
+  // out, what the cuts left of that text: it can name files that are not in the group, so only
+  // MembersOf says what is.
   [[nodiscard]] Text mGroupFileIndexes(std::int32_t group) const;
-  // The same as numbers, without building the text.
+  // The records that the grouping put there and nobody has taken out since; none for a group that
+  // was emptied.
   [[nodiscard]] std::vector<std::int32_t> MembersOf(std::int32_t group) const;
+  // A file that is not where the search found it any more leaves its group, of which at least two
+  // others must be left: its index is cut from the group's text, where it first occurs.
+  void TakeOut(std::int32_t group, std::int32_t record);
+  // The whole group leaves the results, together with the file that is gone.
+  void EmptyGroup(std::int32_t group, std::int32_t record);
+  // What the two did, for every record; the others of an emptied group are not taken out.
+  [[nodiscard]] bool IsTakenOut(std::int32_t record) const;
+  // Gives up the records that were taken out, so that a second grouping does not find them. Groups
+  // and marks must be made anew afterwards.
+  void DropTakenOutRecords();
+
   // The key that the members of a group share.
   [[nodiscard]] Text KeyTextOf(std::int32_t group) const;
 
@@ -68,6 +83,8 @@ class cSearchResults {
 
  private:
   [[nodiscard]] Text GroupCell(std::int32_t group, int column) const;
+  [[nodiscard]] bool HasGroup(std::int32_t group) const;
+  void MarkAsTakenOut(std::int32_t record);
 
   // The members of a group as they were found: neighbours in the sorted array.
   struct MemberRange {
@@ -75,6 +92,10 @@ class cSearchResults {
     std::int32_t count = 0;
   };
   std::vector<MemberRange> mGroupMembers;
+  std::vector<bool> mIsTakenOut;  // by record, from 0; empty until the first one is
+  // By group, in the order of the cuts. The text is made of them only when it is asked for, since
+  // a cut costs as much as the text is long.
+  std::unordered_map<std::int32_t, std::vector<std::int32_t>> mCuts;
 };
 
 }  // namespace quillmarsh

@@ -1,0 +1,110 @@
+// SPDX-License-Identifier: MIT
+// One line, row or object a file, and a last one that sums up.
+#include "console/RemovalReport.h"
+
+#include "base/LocaleFormat.h"
+#include "console/OutputTexts.h"
+#include "fsobjects/LocaleFormats.h"
+#include "fsobjects/modShlWAPI.h"
+#include "platform/Machine.h"
+#include "removal/history/cLog.h"
+
+namespace quillmarsh {
+namespace {
+
+constexpr const char* kLeft = "left";
+
+// What became of the file, none for a failure.
+const char* OutcomeOf(std::int32_t kind) {
+  switch (kind) {
+    case log_kind::FileDeleted:
+      return "deleted";
+    case log_kind::FileSentToRecycleBin:
+      return "trashed";
+    case log_kind::FileMovedToDupesFolder:
+    case log_kind::FileMovedToOtherFolder:
+      return "moved";
+    default:
+      return nullptr;
+  }
+}
+
+std::string Counted(std::int64_t count) {
+  return ToUtf8(FormatGrouped(count, GetLocaleFacts())) + (count == 1 ? " file" : " files");
+}
+
+Text ReasonOf(const RemovalEntry& entry) {
+  Text reason = entry.text;
+  while (reason.ends_with(u'\n') || reason.ends_with(u'\r')) reason.pop_back();
+  if (entry.kind == log_kind::CreateFolderError)
+    reason = u"the folder \"" + TheMachine().Drives().ShownPath(entry.target) +
+             u"\" cannot be made: " + reason;
+  return reason + u" (" + DecimalText(std::int64_t{entry.code}) + u")";
+}
+
+}  // namespace
+
+void RemovalReport::Begin() {
+  if (mFormat == OutputFormat::Json) mOutput.Write("{\"files\":[");
+  if (mFormat == OutputFormat::Csv) mOutput.Write("outcome,path,target,reason\r\n");
+}
+
+void RemovalReport::Add(const RemovalEntry& entry) {
+  if (const char* const outcome = OutcomeOf(entry.kind)) {
+    Write(outcome, entry.fileSpec, entry.target, {});
+  } else if (entry.fileSpec != mLastLeft) {
+    Write(kLeft, entry.fileSpec, {}, ReasonOf(entry));
+  }
+  mLastLeft.clear();
+}
+
+void RemovalReport::LeftAlone(TextView fileSpec, TextView reason) {
+  mLastLeft = fileSpec;
+  AddFreeTextToLog(u"Left alone: " + TheMachine().Drives().ShownPath(fileSpec) + u": " +
+                   Text(reason));
+  Write(kLeft, fileSpec, {}, reason);
+}
+
+void RemovalReport::Write(const char* outcome, TextView fileSpec, TextView target,
+                          TextView reason) {
+  const Volumes& volumes = TheMachine().Drives();
+  const bool isLeft = outcome == kLeft;
+  if (mFormat == OutputFormat::Text) {
+    const std::string shown = ToUtf8(volumes.ShownPath(fileSpec));
+    if (isLeft) return PrintError("left \"" + shown + "\": " + ToUtf8(reason));
+    mOutput.Write(std::string(outcome) + "  " + shown);
+    if (!target.empty()) mOutput.Write(" --> " + ToUtf8(volumes.ShownPath(target)));
+    return mOutput.Write("\n");
+  }
+  const std::string path = NativeOrShownPath(fileSpec);
+  const std::string newPath = target.empty() ? std::string() : NativeOrShownPath(target);
+  if (mFormat == OutputFormat::Json) return WriteJson(outcome, path, newPath, ToUtf8(reason));
+  if (mFormat == OutputFormat::Csv)
+    return mOutput.Write(std::string(outcome) + "," + CsvField(path) + "," + CsvField(newPath) +
+                         "," + CsvField(ToUtf8(reason)) + "\r\n");
+  if (!isLeft) mOutput.Write(path + '\0');
+}
+
+void RemovalReport::WriteJson(const char* outcome, const std::string& path,
+                              const std::string& target, const std::string& reason) {
+  mOutput.Write(mIsFirst ? "\n" : ",\n");
+  mIsFirst = false;
+  std::string object = "{\"outcome\":\"" + std::string(outcome) + "\"," + JsonPath("path", path);
+  if (!target.empty()) object += "," + JsonPath("target", target);
+  if (!reason.empty()) object += ",\"reason\":" + JsonText(reason);
+  mOutput.Write(object + "}");
+}
+
+void RemovalReport::End(const cRemovalRun::Outcome& outcome) {
+  if (mFormat == OutputFormat::Json)
+    mOutput.Write("],\"removed\":" + std::to_string(outcome.removedCount) +
+                  ",\"removedSize\":" + std::to_string(outcome.removedSize.ToInteger()) +
+                  ",\"left\":" + std::to_string(outcome.failedCount) +
+                  ",\"stopped\":" + (outcome.isStopped ? "true" : "false") + "}\n");
+  if (mFormat != OutputFormat::Text || mIsQuiet) return;
+  mOutput.Write("Removed: " + Counted(outcome.removedCount) + ", " +
+                ToUtf8(FormatByteSize(outcome.removedSize)) +
+                ". Left: " + Counted(outcome.failedCount) + ".\n");
+}
+
+}  // namespace quillmarsh

@@ -1,0 +1,151 @@
+// SPDX-License-Identifier: MIT
+// Method and rule are taken before the search, so that a mistake costs no time; then search, marks,
+// and the list or the removal.
+#include "console/RemoveCommand.h"
+
+#include <optional>
+
+#include "console/ChosenRule.h"
+#include "console/RemovalReport.h"
+#include "console/SearchCommand.h"
+#include "console/SearchRequest.h"
+#include "frame/ProgramFlags.h"
+#include "frame/Pump.h"
+#include "fsobjects/modPaths.h"
+#include "platform/Machine.h"
+#include "removal/VerifyingGuard.h"
+#include "selection/MarkedFiles.h"
+#include "settings/OptionsFolder.h"
+#include "settings/clsDupeSettings.h"
+
+namespace quillmarsh {
+namespace {
+
+bool Refuse(const std::string& method, const std::string& reason) {
+  PrintError("cannot use the method \"" + ShownArgument(method) + "\": " + reason);
+  return false;
+}
+
+// The drive form of the folder that files are to be moved to, which need not be there yet.
+std::optional<Text> FolderFrom(const std::string& method, const std::string& native) {
+  const CanonicalLocation location = TheMachine().Drives().NewLocationFromNative(native);
+  if (location.error != 0) {
+    static_cast<void>(Refuse(method, ReasonOf(location.error)));
+    return std::nullopt;
+  }
+  return AddBackslash(location.path);
+}
+
+// A folder that takes files is not searched itself, or they would be found there again.
+void LeaveOutOfSearch(const std::string& native, SearchArguments& search) {
+  if (TheMachine().Drives().LocationFromNative(native).error == 0)
+    search.excludeFolders.push_back(native);
+}
+
+// False when it was refused, which has been told.
+bool TakeMethod(RemoveArguments& arguments) {
+  const std::size_t equals = arguments.method.find('=');
+  const std::string name = arguments.method.substr(0, equals);
+  const std::string value =
+      equals == std::string::npos ? std::string() : arguments.method.substr(equals + 1);
+  clsDupeSettings& settings = *gDupeSettings;
+  if (equals != std::string::npos && value.empty())
+    return Refuse(arguments.method, "no folder is named");
+  if (name == "move") {
+    if (value.empty()) return Refuse(arguments.method, "write it as move=FOLDER");
+    const auto folder = FolderFrom(arguments.method, value);
+    if (!folder) return false;
+    settings.SetRemoveMethod(RemoveMethod::MoveToOtherFolder);
+    settings.SetUserDefinedMoveFolderPath(*folder);
+    LeaveOutOfSearch(value, arguments.search);
+    return true;
+  }
+  if (name == "dupes") {
+    settings.SetRemoveMethod(RemoveMethod::MoveToDupesFolder);
+    if (value.empty()) return true;
+    const auto folder = FolderFrom(arguments.method, value);
+    if (folder) mDupesFolderPath = *folder;
+    return folder.has_value();
+  }
+  if (name != "delete" && name != "recycle")
+    return Refuse(arguments.method, "there are delete, recycle, dupes[=FOLDER] and move=FOLDER");
+  if (!value.empty()) return Refuse(arguments.method, "it takes nothing behind its name");
+  settings.SetRemoveMethod(name == "delete" ? RemoveMethod::Delete : RemoveMethod::Recycle);
+  return true;
+}
+
+// No copy of a group goes as the last one by a rule that just came out that way.
+bool LeavesACopyOfEach(const cSearchResults& results, bool allowsAll) {
+  const std::int32_t groups = WhollyMarkedGroupCount(results);
+  if (groups == 0 || allowsAll) return true;
+  PrintError((groups == 1 ? std::string("1 group would be")
+                          : std::to_string(groups) + " groups would be") +
+             " left without a copy, so nothing was removed; --allow-all lets this happen");
+  return false;
+}
+
+ExitCode ListOnly(ConsoleSearch& search, const RemoveArguments& arguments) {
+  const ExitCode listed = ListResults(search, arguments.search, true);
+  if (listed != ExitCode::Done && listed != ExitCode::SomeFilesFailed) return listed;
+  if (!arguments.search.isQuiet)
+    PrintError(arguments.isDryRun ? "nothing was removed"
+                                  : "nothing was removed; --yes removes the selected files");
+  return LeavesACopyOfEach(search.Results(), arguments.rule.allowsAll) ? listed : ExitCode::Refused;
+}
+
+class ConsoleRemovalView final : public RemovalView {
+ public:
+  void DisableUIForRemoval() override {}
+  void EnableUIAfterRemoval() override {}
+  std::int32_t ShowRemovalWarning() override { return kRemovalWarningContinue; }
+};
+
+ExitCode Remove(ConsoleSearch& search, const RemoveArguments& arguments) {
+  StandardOutput output;
+  RemovalReport report(arguments.search.format, arguments.search.isQuiet, output);
+  report.Begin();
+  VerifyingGuard guard(
+      search.Results(),
+      arguments.isVerified ? VerifyingGuard::Checks::EverythingThatGoes
+                           : VerifyingGuard::Checks::ReplacementsOnly,
+      [&report](TextView fileSpec, TextView reason) { report.LeftAlone(fileSpec, reason); });
+  ConsoleRemovalView view;
+  cRemovalRun run(search.Results(), *gDupeSettings, view, search.FilesSearched());
+  gKeepWhatTheBinRefuses = !arguments.allowsPermanent;
+  const cRemovalRun::Outcome outcome =
+      run.RemoveWithoutAsking(&guard, [&report](const RemovalEntry& entry) { report.Add(entry); });
+  report.End(outcome);
+  // The files are gone, whether or not somebody could be told.
+  const bool isWritten = output.Finish();
+  if (outcome.isStopped) {
+    PrintError("stopped; the other files were not touched");
+    return ExitCode::Stopped;
+  }
+  if (outcome.isFailed || !isWritten) return ExitCode::Refused;
+  search.TellPlacesNotEntered();
+  return outcome.failedCount > 0 ? ExitCode::SomeFilesFailed : search.EndCode();
+}
+
+}  // namespace
+
+ExitCode RunRemove(RemoveArguments arguments, ProgramObjects& objects) {
+  ChosenRule rule(objects);
+  {
+    const StoppablePart stoppable;
+    if (!TakeMethod(arguments) || !rule.Take(arguments.rule)) return ExitCode::Refused;
+  }
+  ConsoleSearch search(objects);
+  if (const auto ended = search.Run(arguments.search)) return *ended;
+  if (!rule.Mark(search.Results())) return ExitCode::Refused;
+  if (ConsolePump::IsStopRequested()) {
+    PrintError("stopped; nothing was removed");
+    return ExitCode::Stopped;
+  }
+  const bool asksFirst =
+      !arguments.isAgreed && TheMachine().Process().IsConsole(StandardStream::Input);
+  if (arguments.isDryRun || asksFirst) return ListOnly(search, arguments);
+  if (!LeavesACopyOfEach(search.Results(), arguments.rule.allowsAll)) return ExitCode::Refused;
+  return Remove(search, arguments);
+}
+
+}  // namespace quillmarsh

@@ -1,0 +1,198 @@
+// SPDX-License-Identifier: MIT
+// The four ways in which a file goes. A move counts only once the file is seen to be gone: where it
+// had to be copied to another volume, the system calls it done also when the original stayed.
+#include "removal/cFileRemoval.h"
+
+#include <functional>
+#include <optional>
+
+#include "frame/ErrorReporting.h"
+#include "frame/Pump.h"
+#include "fsobjects/CreateFolderTree.h"
+#include "fsobjects/Handles.h"
+#include "fsobjects/cFSXFileSystemObject.h"
+#include "fsobjects/modPaths.h"
+#include "fsobjects/modShlWAPI.h"
+#include "fsobjects/modUnicode.h"
+#include "removal/DupesFolder.h"
+#include "removal/history/cLog.h"
+#include "search/results/modDupe.h"
+
+namespace quillmarsh {
+namespace {
+
+Text Shown(TextView path) {
+  return path.empty() ? Text() : TheMachine().Drives().ShownPath(path);
+}
+
+// Takes the read-only bit from a file for the time that something is tried again, and gives it back
+// unless that was done.
+class WritableForNow {
+ public:
+  explicit WritableForNow(TextView path) : mPath(ToLongPath(path)) {}
+  ~WritableForNow() {
+    if (!mAttributes) return;
+    const LastErrorKeeper keeper;
+    static_cast<void>(TheMachine().Disk().SetFileAttributesW(mPath, *mAttributes));
+  }
+  WritableForNow(const WritableForNow&) = delete;
+  WritableForNow& operator=(const WritableForNow&) = delete;
+
+  // False where that is no way to go on: the bit is not set, or was taken before.
+  [[nodiscard]] bool Take() {
+    if (mIsTaken) return false;
+    const std::uint32_t attributes = TheMachine().Files().GetFileAttributesW(mPath);
+    if (attributes == INVALID_FILE_ATTRIBUTES || (attributes & FILE_ATTRIBUTE_READONLY) == 0)
+      return false;
+    mIsTaken = true;
+    if (TheMachine().Disk().SetFileAttributesW(mPath, attributes ^ FILE_ATTRIBUTE_READONLY))
+      mAttributes = attributes;
+    return true;
+  }
+  void Forget() { mAttributes.reset(); }
+
+ private:
+  const Text mPath;
+  bool mIsTaken = false;
+  std::optional<std::uint32_t> mAttributes;  // to be given back
+};
+
+// Runs an operation, and once more where access was denied for the read-only bit of `path` alone.
+// Answers a code.
+std::uint32_t TryAlsoWritable(TextView path, const std::function<bool()>& operation) {
+  WritableForNow writable(path);
+  while (true) {
+    if (operation()) {
+      writable.Forget();
+      return ERROR_SUCCESS;
+    }
+    const std::uint32_t code = TheMachine().GetLastError();
+    if (code != ERROR_ACCESS_DENIED || !writable.Take()) return code;
+    DoEvents_Fast();
+  }
+}
+
+bool IsStillThere(TextView path) {
+  return TheMachine().Files().GetFileAttributesW(ToLongPath(path)) != INVALID_FILE_ATTRIBUTES;
+}
+
+// Answers a code, 5 for a file that was copied but stayed.
+std::uint32_t CodeOfMove(bool isMoved, TextView fileSpec) {
+  if (!isMoved) return TheMachine().GetLastError();
+  return IsStillThere(fileSpec) ? ERROR_ACCESS_DENIED : ERROR_SUCCESS;
+}
+
+}  // namespace
+
+void cFileRemoval::RemoveFile(TextView fileSpec, TextView dupesFolder, bool& result) {
+  const bool isDone = Guarded(u"frmFindDuplicates.RemoveFile()", [&] {
+    const RedirectionOff redirection;
+    result = true;
+    switch (mSettings.RemoveMethod()) {
+      case RemoveMethod::Delete:
+        result = Delete(fileSpec);
+        break;
+      case RemoveMethod::Recycle:
+        result = Recycle(fileSpec);
+        break;
+      case RemoveMethod::MoveToDupesFolder:
+        result = MoveToDupesFolder(fileSpec, dupesFolder);
+        break;
+      case RemoveMethod::MoveToOtherFolder:
+        result = MoveToOtherFolder(fileSpec);
+        break;
+    }
+  });
+  if (!isDone) result = false;
+}
+
+void cFileRemoval::AddEntry(const RemovalEntry& entry) const {
+  bool result = false;
+  if (gLog != nullptr)
+    gLog->Add(entry.kind, {}, Shown(entry.fileSpec), Shown(entry.target),
+              static_cast<std::int32_t>(entry.code), entry.text, {}, result);
+  if (mListener) mListener(entry);
+}
+
+bool cFileRemoval::Fail(std::int32_t kind, TextView fileSpec, TextView target,
+                        std::uint32_t code) const {
+  AddEntry({kind, Text(fileSpec), Text(target), code, FormatSystemErrorMessage(code)});
+  return false;
+}
+
+bool cFileRemoval::Delete(TextView fileSpec) {
+  const Text path = ToLongPath(fileSpec);
+  const std::uint32_t code =
+      TryAlsoWritable(fileSpec, [&] { return TheMachine().Disk().DeleteFileW(path); });
+  if (code != ERROR_SUCCESS) return Fail(log_kind::DeleteError, fileSpec, {}, code);
+  AddEntry({log_kind::FileDeleted, Text(fileSpec), {}, 0, {}});
+  return true;
+}
+
+bool cFileRemoval::Recycle(TextView fileSpec) {
+  std::int32_t errorNumber = 0;
+  Text errorText;
+  const bool isSent = SendFileToRecycleBin(fileSpec, errorNumber, errorText);
+  if (isSent)
+    AddEntry({log_kind::FileSentToRecycleBin, Text(fileSpec), {}, 0, {}});
+  else
+    AddEntry({log_kind::DeleteError,
+              Text(fileSpec),
+              {},
+              static_cast<std::uint32_t>(errorNumber),
+              errorText});
+  return isSent;
+}
+
+// Where nobody knows the folder yet, making it fails like any other.
+std::uint32_t cFileRemoval::ProvideFolder(TextView folder) {
+  if (folder.empty()) return ERROR_PATH_NOT_FOUND;
+  if (folder == mProvidedFolder) return ERROR_SUCCESS;
+  std::uint32_t code = 0;
+  if (!FSXFolderExists(folder) && !CreateFolderTree(folder, code))
+    return code != 0 ? code : ERROR_PATH_NOT_FOUND;
+  mProvidedFolder = folder;
+  return ERROR_SUCCESS;
+}
+
+bool cFileRemoval::MoveToDupesFolder(TextView fileSpec, TextView dupesFolder) {
+  const Text newPath = dupesFolder.empty() ? Text() : PathInDupesFolder(fileSpec, dupesFolder);
+  const Text folder = GetFolderPartOf(newPath);
+  const bool replaces = !newPath.empty() && FSXFileExists(newPath);
+  if (const std::uint32_t code = ProvideFolder(folder))
+    return Fail(log_kind::CreateFolderError, fileSpec, folder, code);
+  if (replaces && mGuard != nullptr && !mGuard->MayReplace(fileSpec, newPath))
+    return Fail(log_kind::MoveError, fileSpec, newPath, ERROR_ALREADY_EXISTS);
+  constexpr std::uint32_t overwriting = MOVEFILE_REPLACE_EXISTING | MOVEFILE_COPY_ALLOWED;
+  const auto move = [&, from = ToLongPath(fileSpec), to = ToLongPath(newPath)] {
+    DiskChange& disk = TheMachine().Disk();
+    return replaces ? disk.MoveFileExW(from, to, overwriting) : disk.MoveFileW(from, to);
+  };
+  std::uint32_t code = replaces ? TryAlsoWritable(newPath, move) : CodeOfMove(move(), fileSpec);
+  if (replaces && code == ERROR_SUCCESS) code = CodeOfMove(true, fileSpec);
+  if (code == ERROR_SUCCESS) {
+    AddEntry({log_kind::FileMovedToDupesFolder, Text(fileSpec), newPath, 0, {}});
+    return true;
+  }
+  mProvidedFolder.clear();
+  return Fail(log_kind::MoveError, fileSpec, newPath, code);
+}
+
+bool cFileRemoval::MoveToOtherFolder(TextView fileSpec) {
+  const Text folder = mSettings.UserDefinedMoveFolderPath();
+  const Text name = GetFileNameOf(fileSpec);
+  if (const std::uint32_t code = ProvideFolder(folder))
+    return Fail(log_kind::CreateFolderError, fileSpec, folder, code);
+  Text newPath = folder + name;
+  if (FSXFileExists(newPath)) newPath = ResolveFileNameCollision(name, folder);
+  const bool isMoved = TheMachine().Disk().MoveFileW(ToLongPath(fileSpec), ToLongPath(newPath));
+  const std::uint32_t code = CodeOfMove(isMoved, fileSpec);
+  if (code == ERROR_SUCCESS) {
+    AddEntry({log_kind::FileMovedToOtherFolder, Text(fileSpec), newPath, 0, {}});
+    return true;
+  }
+  mProvidedFolder.clear();
+  return Fail(log_kind::MoveError, fileSpec, newPath, code);
+}
+
+}  // namespace quillmarsh
