@@ -22,6 +22,8 @@ void Release(std::vector<T>& array) {
 cSearchResults::cSearchResults() {
   ulvwDupeGroups.SetFormatter(
       [this](std::int32_t group, int column) { return GroupCell(group, column); });
+  ulvwDupeDetails.SetFormatter(
+      [this](std::int32_t index, int column) { return DetailCell(index, column); });
 }
 
 std::int32_t cSearchResults::RecordCount() const {
@@ -43,10 +45,15 @@ void cSearchResults::AddGroup(std::int32_t firstRecord, std::int32_t count, Curr
 
 std::vector<std::int32_t> cSearchResults::MembersOf(std::int32_t group) const {
   std::vector<std::int32_t> members;
-  if (group < 1 || group > static_cast<std::int32_t>(mGroupMembers.size())) return members;
+  ReadMembers(group, members);
+  return members;
+}
+
+void cSearchResults::ReadMembers(std::int32_t group, std::vector<std::int32_t>& members) const {
+  members.clear();
+  if (group < 1 || group > static_cast<std::int32_t>(mGroupMembers.size())) return;
   const MemberRange& range = mGroupMembers[static_cast<std::size_t>(group) - 1];
   for (std::int32_t i = 0; i < range.count; ++i) members.push_back(range.first + i);
-  return members;
 }
 
 Text cSearchResults::mGroupFileIndexes(std::int32_t group) const {

@@ -59,8 +59,17 @@ class cSearchResults {
   [[nodiscard]] Text mGroupFileIndexes(std::int32_t group) const;
   // The same as numbers, without building the text.
   [[nodiscard]] std::vector<std::int32_t> MembersOf(std::int32_t group) const;
+  // The same into an array of the caller's, so that a walk over all groups needs no memory for
+  // each. What it held goes.
+  void ReadMembers(std::int32_t group, std::vector<std::int32_t>& members) const;
   // The key that the members of a group share.
   [[nodiscard]] Text KeyTextOf(std::int32_t group) const;
+
+  // Fills the details list with the members of a group and makes it the current one; an emptied
+  // group shows one line that says so and does not become it. Without `force` a group that is shown
+  // already is left alone. Whether a file is marked is no part of the list: a view asks mFileMarked
+  // when it draws a row.
+  void DisplayDupeGroupDetails(std::int32_t group, bool force);
 
   void ClearGroups();
   // mDupeFiles, the group arrays and the marks, as a new search wants them. The memory goes back.
@@ -68,6 +77,7 @@ class cSearchResults {
 
  private:
   [[nodiscard]] Text GroupCell(std::int32_t group, int column) const;
+  [[nodiscard]] Text DetailCell(std::int32_t index, int column) const;
 
   // The members of a group as they were found: neighbours in the sorted array.
   struct MemberRange {
