@@ -24,6 +24,10 @@ MessageBoxResult ShowMessageBox(const MessageBoxRequest& request) {
                                     : CarefulAnswer(request.buttons);
 }
 
+Text InputBoxText(TextView prompt, TextView title, TextView defaultText) {
+  return gViews.inputBox != nullptr ? gViews.inputBox->Show(prompt, title, defaultText) : Text();
+}
+
 void SetPanel(TextView key, TextView text) {
   if (gViews.status != nullptr) gViews.status->SetPanel(key, text);
 }

@@ -1,7 +1,8 @@
 // SPDX-License-Identifier: MIT
-// What the program's logic asks of a person or shows to one: message boxes, status panels, the
-// progress bar and the pump. Three implementations exist: the window, the console and a scripted
-// one for tests. The views in use are set by the entry, which owns them; nothing here is owned.
+// What the program's logic asks of a person or shows to one: message boxes, the input box, status
+// panels, the progress bar and the pump. Three implementations exist: the window, the console and a
+// scripted one for tests. The views in use are set by the entry, which owns them; nothing here is
+// owned.
 #pragma once
 
 #include "base/Text.h"
@@ -25,6 +26,14 @@ class MessageView {
   virtual ~MessageView() = default;
   // Modal: returns when the person has answered.
   virtual MessageBoxResult Show(const MessageBoxRequest& request) = 0;
+};
+
+class InputBoxView {
+ public:
+  virtual ~InputBoxView() = default;
+  // Modal: a box with one line of text, the default in it and selected. Empty when it was
+  // cancelled, which nobody can tell from an empty line.
+  [[nodiscard]] virtual Text Show(TextView prompt, TextView title, TextView defaultText) = 0;
 };
 
 // Keys of the status panels.
@@ -56,16 +65,18 @@ struct Views {
   MessageView* messages = nullptr;
   StatusView* status = nullptr;
   PumpView* pump = nullptr;
+  InputBoxView* inputBox = nullptr;
 };
 
-// The views in use. Without a message view a box gets the careful answer; without a status view
-// nothing is shown; without a pump nothing runs.
+// The views in use. Without a message view a box gets the careful answer, and without an input box
+// the empty one; without a status view nothing is shown; without a pump nothing runs.
 extern Views gViews;
 
 // What a box is answered with where nobody can be asked: the button that changes nothing.
 [[nodiscard]] MessageBoxResult CarefulAnswer(MessageBoxButtons buttons);
 
 MessageBoxResult ShowMessageBox(const MessageBoxRequest& request);
+[[nodiscard]] Text InputBoxText(TextView prompt, TextView title, TextView defaultText);
 void SetPanel(TextView key, TextView text);
 void SetPanelToolTip(TextView key, TextView text);
 

@@ -15,6 +15,10 @@
 #include "search/Cancellation.h"
 #include "search/cContentComparison.h"
 #include "search/results/RecordSort.h"
+#include "selection/MarkedFiles.h"
+#include "selection/RuleTexts.h"
+#include "selection/cGroupSelection.h"
+#include "selection/clsMarkForRemovalWizard.h"
 
 namespace quillmarsh {
 
@@ -91,6 +95,8 @@ cDuplicateGrouping::Outcome cDuplicateGrouping::SortAndGroup() {
   SetPanel(PANEL1, LoadResString(304) + u"...");
   DoEvents_Fast();
   FormGroups(count);
+  // Before the outcome is settled: this pumps too, and a stop that comes then is not to be lost.
+  if (!gUserAbort) cGroupSelection(mResults).PreselectAllButNewest();
   return gUserAbort ? Outcome::Cancelled : Outcome::Grouped;
 }
 
@@ -135,9 +141,7 @@ void cDuplicateGrouping::ShowOutcome(const std::vector<Text>& locations,
                                      std::int32_t filesSearched) {
   const LocaleFacts& locale = GetLocaleFacts();
   if (mResults.mDupeFileCount > 0) {
-    mResults.mCurrentGroup = 1;
-    mResults.ulvwDupeDetails.Clear();
-    for (const std::int32_t member : mResults.MembersOf(1)) mResults.ulvwDupeDetails.Add(member);
+    mResults.DisplayDupeGroupDetails(1, true);
     mResults.ulvwDupeGroups.Select(0);
   }
   SetPanel(FILES_SEARCHED,
@@ -151,7 +155,13 @@ void cDuplicateGrouping::ShowOutcome(const std::vector<Text>& locations,
   SetPanel(PANEL2, {});
   SetPanelToolTip(PANEL2, {});
   AddFreeTextToLog(HistoryText(locations, filesSearched));
+  if (mResults.mDupeFileCount > 0) {
+    gMarkForRemovalWizardOptions->mRule = selection_rule::KeepNewest;
+    gMarkForRemovalWizardOptions->mAllowRemovalOfAllFilesInGroup = false;
+    mResults.DisplayDupeGroupDetails(mResults.mCurrentGroup, true);
+  }
   mView.CheckKeepNewestRule(mResults.mDupeFileCount > 0);
+  ShowSelectedCountAndSizeInStatusBar(GetTotalMarkedCountAndSize(mResults));
   if (mResults.mDupeFileCount != 0) mView.ShowResultsView();
   mView.ShowSearchSummary({filesSearched, mResults.mDupeFileCount, mResults.mGroupCount,
                            mResults.mDupeTotalSize, gUserAbort});

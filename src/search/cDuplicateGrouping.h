@@ -1,7 +1,8 @@
 // SPDX-License-Identifier: MIT
 // Decides which records are duplicates of one another: sorts them by the criteria, walks the array
-// once and makes a group of each run of equal neighbours. It owns nothing; the groups, their totals
-// and the list go to the results, which also tell the criteria.
+// once and makes a group of each run of equal neighbours, of which all but the newest are marked.
+// It owns nothing; the groups, their totals and the list go to the results, which also tell the
+// criteria.
 #pragma once
 
 #include <vector>

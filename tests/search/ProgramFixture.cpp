@@ -7,6 +7,7 @@
 #include "fsobjects/LocaleFormats.h"
 #include "fsobjects/cFSXFolderPathsList.h"
 #include "fsobjects/cFileSpecParser.h"
+#include "selection/clsMarkForRemovalWizard.h"
 #include "settings/OptionsFolder.h"
 #include "support/ChecksumModule.h"
 
@@ -46,6 +47,7 @@ ProgramFixture::ProgramFixture() {
   gDupeSettings->SetIncludeFolders({});
   gDupeSettings->SetIncludeFiles({});
   gDupeSettings->SetIncludeSubFolders(true);
+  gMarkForRemovalWizardOptions = std::make_unique<clsMarkForRemovalWizard>();
   gFileSpecParser = std::make_unique<cFileSpecParser>();
   auto kept = std::make_unique<KeptLog>();
   log = kept.get();
@@ -64,6 +66,7 @@ ProgramFixture::~ProgramFixture() {
   gViews = {};
   gLog.reset();
   gFileSpecParser.reset();
+  gMarkForRemovalWizardOptions.reset();
   gDupeSettings.reset();
   gFolderPathsList.reset();
   mDupesFolderPath.clear();

@@ -33,6 +33,8 @@ void CutFromText(Text& text, const Text& index) {
 cSearchResults::cSearchResults() {
   ulvwDupeGroups.SetFormatter(
       [this](std::int32_t group, int column) { return GroupCell(group, column); });
+  ulvwDupeDetails.SetFormatter(
+      [this](std::int32_t index, int column) { return DetailCell(index, column); });
 }
 
 std::int32_t cSearchResults::RecordCount() const {
@@ -58,13 +60,17 @@ bool cSearchResults::HasGroup(std::int32_t group) const {
 
 std::vector<std::int32_t> cSearchResults::MembersOf(std::int32_t group) const {
   std::vector<std::int32_t> members;
-  if (!HasGroup(group)) return members;
+  ReadMembers(group, members);
+  return members;
+}
+
+void cSearchResults::ReadMembers(std::int32_t group, std::vector<std::int32_t>& members) const {
+  members.clear();
+  if (!HasGroup(group)) return;
   const MemberRange& range = mGroupMembers[static_cast<std::size_t>(group) - 1];
-  members.reserve(static_cast<std::size_t>(range.count));
   for (std::int32_t record = range.first; record < range.first + range.count; ++record) {
     if (!IsTakenOut(record)) members.push_back(record);
   }
-  return members;
 }
 
 Text cSearchResults::mGroupFileIndexes(std::int32_t group) const {

@@ -74,8 +74,17 @@ class cSearchResults {
   // and marks must be made anew afterwards.
   void DropTakenOutRecords();
 
+  // The same into an array of the caller's, so that a walk over all groups needs no memory for
+  // each. What it held goes.
+  void ReadMembers(std::int32_t group, std::vector<std::int32_t>& members) const;
   // The key that the members of a group share.
   [[nodiscard]] Text KeyTextOf(std::int32_t group) const;
+
+  // Fills the details list with the members of a group and makes it the current one; an emptied
+  // group shows one line that says so and does not become it. Without `force` a group that is shown
+  // already is left alone. Whether a file is marked is no part of the list: a view asks mFileMarked
+  // when it draws a row.
+  void DisplayDupeGroupDetails(std::int32_t group, bool force);
 
   void ClearGroups();
   // mDupeFiles, the group arrays and the marks, as a new search wants them. The memory goes back.
@@ -85,6 +94,7 @@ class cSearchResults {
   [[nodiscard]] Text GroupCell(std::int32_t group, int column) const;
   [[nodiscard]] bool HasGroup(std::int32_t group) const;
   void MarkAsTakenOut(std::int32_t record);
+  [[nodiscard]] Text DetailCell(std::int32_t index, int column) const;
 
   // The members of a group as they were found: neighbours in the sorted array.
   struct MemberRange {
