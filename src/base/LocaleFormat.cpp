@@ -270,6 +270,7 @@ void AppendPictureField(char16_t letter, std::size_t run, const LocaleFacts& loc
 
 Pieces PiecesOfPicture(TextView picture, const LocaleFacts& locale) {
   Pieces pieces;
+  pieces.reserve(picture.size());  // lists are made of millions of dates
   while (!picture.empty()) {
     std::size_t taken = 0;
     if (picture.front() == u'\'') {

@@ -45,6 +45,10 @@ bool MakeEach(TextView path, std::uint32_t& errorNumber) {
 bool CreateFolderTree(TextView path, std::uint32_t& errorNumber) {
   errorNumber = 0;
   const Text whole = AddBackslash(path);
+  if (whole.empty()) {
+    errorNumber = ERROR_PATH_NOT_FOUND;  // no folder at all, and not the current one
+    return false;
+  }
   const bool made = MakeEach(whole, errorNumber);
   if (whole.size() <= kLongPathLimit && !ContainsUnicodeChars(whole)) return made;
   return IsThere(RemoveBackslash(whole));

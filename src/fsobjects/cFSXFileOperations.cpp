@@ -1,39 +1,54 @@
 // SPDX-License-Identifier: MIT
-// The members of a file object that change the disk. The work itself is done by the routines behind
-// FileOperations; here is what the object makes of it.
-#include "fsobjects/FileOperations.h"
+// The members of a file object that change the disk. The routines of modFSXFSO_SupportRoutines do
+// the work; here is what the object makes of it. Their numbers and texts are dropped: callers of a
+// file object are told only whether it was done.
 #include "fsobjects/cFSXFile.h"
+#include "fsobjects/modFSXFSO_SupportRoutines.h"
 #include "fsobjects/modPaths.h"
 
 namespace quillmarsh {
+namespace {
 
-FileOperations* gFileOperations = nullptr;
+// What the routines tell and nobody here asks.
+struct Untold {
+  bool cancelled = false;
+  std::int32_t errorNumber = 0;
+  Text errorMessage;
+  Text log;
+};
+
+}  // namespace
 
 bool cFSXFile::CopyFile(TextView destination) {
-  return gFileOperations != nullptr &&
-         gFileOperations->FSXFSO_CopyFSO(Path(), GetParentFolderPathOf(destination));
+  Untold untold;
+  return FSXFSO_CopyFSO(Path(), GetParentFolderPathOf(destination), untold.cancelled,
+                        untold.errorNumber, untold.errorMessage, untold.log);
 }
 
 // The object takes the whole of the destination as its path although the file keeps its own name
 // on the disk. Callers hand in the folder together with the name that the file has; one that hands
 // in another name has to rename the file next, and the object is then right.
 bool cFSXFile::MoveFile(TextView destination) {
-  if (gFileOperations == nullptr ||
-      !gFileOperations->FSXFSO_MoveFSO(Path(), GetParentFolderPathOf(destination)))
+  Untold untold;
+  if (!FSXFSO_MoveFSO(Path(), GetParentFolderPathOf(destination), untold.cancelled,
+                      untold.errorNumber, untold.errorMessage, untold.log))
     return false;
   SetPath(destination);
   return true;
 }
 
 bool cFSXFile::DeleteFile(bool permanently) {
-  if (gFileOperations == nullptr || !gFileOperations->FSXFSO_DeleteFSO(Path(), permanently))
+  Untold untold;
+  if (!FSXFSO_DeleteFSO(Path(), untold.cancelled, untold.errorNumber, untold.errorMessage,
+                        untold.log, permanently))
     return false;
   ResetFileObject();
   return true;
 }
 
 bool cFSXFile::RenameFile(TextView newName) {
-  if (gFileOperations == nullptr || !gFileOperations->FSXFSO_RenameFSO(Path(), newName))
+  Untold untold;
+  if (!FSXFSO_RenameFSO(Path(), newName, untold.cancelled, untold.errorNumber, untold.errorMessage))
     return false;
   SetName(newName);
   return true;
@@ -43,8 +58,8 @@ bool cFSXFile::RenameFile(TextView newName) {
 // reaches the disk by this way. Callers that protect a file rely on its other facts staying put.
 bool cFSXFile::SaveChanges() {
   try {
-    if (IsReadOnly() || gFileOperations == nullptr) return false;
-    const bool saved = gFileOperations->SaveFilePropertyChanges(*this);
+    if (IsReadOnly()) return false;
+    const bool saved = SaveFilePropertyChanges(*this);
     ResetFileObject();
     return saved;
   } catch (const std::exception&) {

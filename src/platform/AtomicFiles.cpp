@@ -31,12 +31,6 @@ class OpenedFile {
 
   [[nodiscard]] bool IsValid() const { return mHandle != INVALID_HANDLE; }
   [[nodiscard]] HANDLE Get() const { return mHandle; }
-  // The closing may be what fails, where a file system writes late. Then the owner tries again.
-  [[nodiscard]] bool Close() {
-    if (!mMachine.Files().CloseHandle(mHandle)) return false;
-    mHandle = INVALID_HANDLE;
-    return true;
-  }
 
  private:
   Machine& mMachine;
@@ -75,25 +69,6 @@ HANDLE MakeBeside(Machine& machine, TextView path, Text& name) {
   return file;
 }
 
-bool WriteWhole(Machine& machine, HANDLE file, std::string_view bytes) {
-  while (!bytes.empty()) {
-    const std::string_view block = bytes.substr(0, kBlockBytes);
-    std::uint32_t done = 0;
-    if (!machine.Files().WriteFile(file, std::as_bytes(std::span(block)), done)) return false;
-    if (done == 0) {
-      machine.SetLastError(ERROR_DISK_FULL);
-      return false;
-    }
-    bytes.remove_prefix(std::min<std::size_t>(done, block.size()));
-  }
-  return machine.Files().FlushFileBuffers(file);
-}
-
-bool FillAndClose(Machine& machine, HANDLE handle, std::string_view bytes) {
-  OpenedFile file(machine, handle);
-  return WriteWhole(machine, handle, bytes) && file.Close();
-}
-
 }  // namespace
 
 bool ReadFileContents(Machine& machine, TextView path, std::uint32_t share, std::string& bytes) {
@@ -116,18 +91,51 @@ bool ReadFileContents(Machine& machine, TextView path, std::uint32_t share, std:
   return true;
 }
 
-bool ReplaceFileContents(Machine& machine, TextView path, std::string_view bytes) {
-  if (!MayBeWritten(machine, path)) return false;
+FileReplacement::~FileReplacement() {
+  const std::uint32_t code = mMachine.GetLastError();
+  if (mFile != INVALID_HANDLE) mMachine.Files().CloseHandle(mFile);
+  if (!mBeside.empty()) static_cast<void>(mMachine.Disk().DeleteFileW(mBeside));
+  mMachine.SetLastError(code);
+}
+
+bool FileReplacement::Begin() {
+  if (!MayBeWritten(mMachine, mPath)) return false;
   Text beside;
-  const HANDLE file = MakeBeside(machine, path, beside);
-  if (file == INVALID_HANDLE) return false;
+  mFile = MakeBeside(mMachine, mPath, beside);
+  if (mFile == INVALID_HANDLE) return false;
+  mBeside = std::move(beside);
+  return true;
+}
+
+bool FileReplacement::Write(std::string_view bytes) {
+  while (!bytes.empty()) {
+    const std::string_view block = bytes.substr(0, kBlockBytes);
+    std::uint32_t done = 0;
+    if (!mMachine.Files().WriteFile(mFile, std::as_bytes(std::span(block)), done)) return false;
+    if (done == 0) {
+      mMachine.SetLastError(ERROR_DISK_FULL);
+      return false;
+    }
+    bytes.remove_prefix(std::min<std::size_t>(done, block.size()));
+  }
+  return true;
+}
+
+// The closing may be what fails, where a file system writes late. Then it is tried again in the
+// end.
+bool FileReplacement::PutInPlace() {
   constexpr std::uint32_t flags = MOVEFILE_REPLACE_EXISTING | MOVEFILE_WRITE_THROUGH;
-  if (FillAndClose(machine, file, bytes) && machine.Disk().MoveFileExW(beside, path, flags))
-    return true;
-  const std::uint32_t code = machine.GetLastError();
-  (void)machine.Disk().DeleteFileW(beside);
-  machine.SetLastError(code);
-  return false;
+  FileInputOutput& files = mMachine.Files();
+  if (!files.FlushFileBuffers(mFile) || !files.CloseHandle(mFile)) return false;
+  mFile = INVALID_HANDLE;
+  if (!mMachine.Disk().MoveFileExW(mBeside, mPath, flags)) return false;
+  mBeside.clear();
+  return true;
+}
+
+bool ReplaceFileContents(Machine& machine, TextView path, std::string_view bytes) {
+  FileReplacement replacement(machine, path);
+  return replacement.Begin() && replacement.Write(bytes) && replacement.PutInPlace();
 }
 
 }  // namespace quillmarsh

@@ -29,16 +29,14 @@ class FsObjectsFixture : public ::testing::Test, protected MachineFixture, priva
     gFolderPathsList = std::make_unique<cFSXFolderPathsList>();
     gFileSpecParser = std::make_unique<cFileSpecParser>();
     gViews = {.messages = this};
-    gUserAbort = gIsWow64 = false;
-    mCheckFolderPermission = true;
+    ResetFlags();
     ResetLocaleFacts();
     ResetIsWindowsNT();
     SetErrorDetailFolder([] { return Text(u"C:\\"); });
   }
   ~FsObjectsFixture() override {
     gViews = {};
-    gUserAbort = gIsWow64 = false;
-    mCheckFolderPermission = true;
+    ResetFlags();
     gFolderPathsList.reset();
     gFileSpecParser.reset();
   }
@@ -52,6 +50,8 @@ class FsObjectsFixture : public ::testing::Test, protected MachineFixture, priva
     EXPECT_EQ(hook.OrdersNotMet(), 0U);
   }
 
+  // What the next boxes are answered with; then it is Ok.
+  std::deque<MessageBoxResult> answers;
   // The oldest box that was not taken yet.
   MessageBoxRequest TakeBox() {
     if (mBoxes.empty()) {
@@ -77,7 +77,14 @@ class FsObjectsFixture : public ::testing::Test, protected MachineFixture, priva
  private:
   MessageBoxResult Show(const MessageBoxRequest& request) override {
     mBoxes.push_back(request);
-    return MessageBoxResult::Ok;
+    if (answers.empty()) return MessageBoxResult::Ok;
+    const MessageBoxResult answer = answers.front();
+    answers.pop_front();
+    return answer;
+  }
+  static void ResetFlags() {
+    gUserAbort = gIsWow64 = gFSOCancelled = gKeepWhatTheBinRefuses = false;
+    mCheckFolderPermission = true;
   }
 
   std::deque<MessageBoxRequest> mBoxes;

@@ -5,9 +5,9 @@
 #include "frame/ErrorReporting.h"
 #include "frame/TextTable.h"
 #include "frame/Views.h"
-#include "fsobjects/Handles.h"
 #include "fsobjects/cFSXFileSystemObject.h"
-#include "fsobjects/modUnicode.h"
+#include "fsobjects/modFSXFSO_SupportRoutines.h"
+#include "platform/Machine.h"
 #include "removal/history/cHistory.h"
 #include "search/results/modDupe.h"
 
@@ -23,8 +23,11 @@ void TellOfProblem(TextId message, TextId title, const Text& path) {
 
 bool DeleteHistory(const Text& path) {
   if (!FSXFileExists(path)) return true;
-  const RedirectionOff redirection;
-  return TheMachine().Disk().DeleteFileW(ToLongPath(path));
+  bool cancelled = false;
+  std::int32_t errorNumber = 0;
+  Text errorMessage;
+  Text log;
+  return FSXFSO_DeleteFSO(path, cancelled, errorNumber, errorMessage, log, true);
 }
 
 }  // namespace
