@@ -178,7 +178,10 @@ void AddRemovalOptions(CLI::App& app, RemoveArguments& remove) {
 // The parser takes a folder such as "[old]" for a list; "./[old]" is the same folder and a plain
 // text.
 std::vector<std::string> WithPlainFolders(const CLI::App& app, int argc, const char* const* argv) {
-  const CLI::App* const command = argc > 1 ? app.get_subcommand_no_throw(argv[1]) : nullptr;
+  const auto commands = app.get_subcommands([&](const CLI::App* command) {
+    return argc > 1 && command->check_name(argv[1]);
+  });
+  const CLI::App* const command = commands.empty() ? nullptr : commands.front();
   std::vector<std::string> arguments;
   bool isValue = false;
   bool areAllFolders = false;

@@ -46,10 +46,15 @@ Look LookAt(const Text& path) {
   return {entry, {}};
 }
 
-Date RecordedDateOf(const FILETIME& utc) {
+// Whether the record would be given this date again.
+bool IsSameDate(const FILETIME& utc, Date recorded) {
   FILETIME local;
-  if (!TheMachine().Locale().FileTimeToLocalFileTime(utc, local)) return {};
-  return WholeSecondDateOfRawTime(Currency::FromRaw(local.Ticks()), [] { return Text(); });
+  if (!TheMachine().Locale().FileTimeToLocalFileTime(utc, local)) return false;
+  // A time that no date can tell was reported by the search and recorded as none.
+  if (!Date::FromTicks(local.Ticks()).IsValid()) return recorded.Days() == Date().Days();
+  const Date now =
+      WholeSecondDateOfRawTime(Currency::FromRaw(local.Ticks()), [] { return Text(); });
+  return now.Days() == recorded.Days();
 }
 
 bool IsAsRecorded(const WIN32_FIND_DATAW& entry, const DupeFileUDT& record) {
@@ -57,8 +62,8 @@ bool IsAsRecorded(const WIN32_FIND_DATAW& entry, const DupeFileUDT& record) {
   constexpr std::uint32_t notAFile = FILE_ATTRIBUTE_DIRECTORY;
   return (entry.dwFileAttributes & notAFile) == 0 &&
          (record.Size.Raw() < 0 || static_cast<std::uint64_t>(record.Size.ToInteger()) == size) &&
-         RecordedDateOf(entry.ftCreationTime) == record.CreatedDate &&
-         RecordedDateOf(entry.ftLastWriteTime) == record.LastModifiedDate;
+         IsSameDate(entry.ftCreationTime, record.CreatedDate) &&
+         IsSameDate(entry.ftLastWriteTime, record.LastModifiedDate);
 }
 
 // Empty where the file is what the search saw.

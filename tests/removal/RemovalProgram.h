@@ -41,6 +41,12 @@ class RemovalProgram : public ProgramFixture {
  public:
   RemovalProgram();
 
+  using ProgramFixture::Groups;
+  using ProgramFixture::log;
+  using ProgramFixture::messages;
+  using ProgramFixture::results;
+  using ProgramFixture::Search;
+
   // A file with contents of its own.
   void Put(const Text& path, std::uint64_t size, std::uint64_t seed,
            std::uint32_t attributes = FILE_ATTRIBUTE_ARCHIVE);
