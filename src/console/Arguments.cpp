@@ -78,7 +78,7 @@ class PlainFormatter final : public CLI::Formatter {
   }
 };
 
-const std::map<std::string, OutputFormat> kFormats = {{"text", OutputFormat::Text},
+const std::map<std::string, OutputFormat> kFormats = {{"text", OutputFormat::Plain},
                                                       {"json", OutputFormat::Json},
                                                       {"csv", OutputFormat::Csv},
                                                       {"null", OutputFormat::Null}};

@@ -13,7 +13,7 @@
 
 namespace quillmarsh {
 
-enum class OutputFormat { Text, Json, Csv, Null };
+enum class OutputFormat { Plain, Json, Csv, Null };
 
 struct SearchArguments {
   std::vector<std::string> folders;
@@ -25,7 +25,7 @@ struct SearchArguments {
   std::vector<std::string> includeFolders;
   std::vector<std::string> excludeFolders;
   bool withoutSubFolders = false;
-  OutputFormat format = OutputFormat::Text;
+  OutputFormat format = OutputFormat::Plain;
   bool isQuiet = false;
   bool showsProgress = false;  // also where standard error is no terminal
 };

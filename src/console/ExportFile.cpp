@@ -74,7 +74,7 @@ bool ExportFile::Take(const std::string& native) {
 }
 
 ExitCode ExportFile::Write(ConsoleSearch& search, OutputFormat format) const {
-  if (format == OutputFormat::Text) {
+  if (format == OutputFormat::Plain) {
     const std::uint32_t code =
         WriteDuplicatesList(mPath, {search.Results(), *gDupeSettings, search.Locations()});
     if (code == 0 || Refuse(mPath, code)) return ExitCode::Done;

@@ -69,7 +69,7 @@ void RemovalReport::Write(const char* outcome, TextView fileSpec, TextView targe
                           TextView reason) {
   const Volumes& volumes = TheMachine().Drives();
   const bool isLeft = outcome == kLeft;
-  if (mFormat == OutputFormat::Text) {
+  if (mFormat == OutputFormat::Plain) {
     const std::string shown = ToUtf8(volumes.ShownPath(fileSpec));
     if (isLeft) return PrintError("left \"" + shown + "\": " + ToUtf8(reason));
     mOutput.Write(std::string(outcome) + "  " + shown);
@@ -101,7 +101,7 @@ void RemovalReport::End(const cRemovalRun::Outcome& outcome) {
                   ",\"removedSize\":" + std::to_string(outcome.removedSize.ToInteger()) +
                   ",\"left\":" + std::to_string(outcome.failedCount) +
                   ",\"stopped\":" + (outcome.isStopped ? "true" : "false") + "}\n");
-  if (mFormat != OutputFormat::Text || mIsQuiet) return;
+  if (mFormat != OutputFormat::Plain || mIsQuiet) return;
   mOutput.Write("Removed: " + Counted(outcome.removedCount) + ", " +
                 ToUtf8(FormatByteSize(outcome.removedSize)) +
                 ". Left: " + Counted(outcome.failedCount) + ".\n");

@@ -182,7 +182,7 @@ std::unique_ptr<Writer> MakeWriter(const cSearchResults& results, std::int32_t f
       return std::make_unique<CsvWriter>(results, filesSearched, output);
     case OutputFormat::Null:
       return std::make_unique<NullWriter>(results, filesSearched, output, options);
-    case OutputFormat::Text:
+    case OutputFormat::Plain:
       break;
   }
   return std::make_unique<TextWriter>(results, filesSearched, output, options);

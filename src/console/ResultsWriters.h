@@ -10,7 +10,7 @@
 namespace quillmarsh {
 
 struct WriteOptions {
-  OutputFormat format = OutputFormat::Text;
+  OutputFormat format = OutputFormat::Plain;
   bool withSummary = true;  // text only
   // Of a selection: text has a box before each file, and null only the selected files. The other
   // forms always tell of each file whether it is marked.

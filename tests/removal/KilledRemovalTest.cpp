@@ -177,8 +177,9 @@ int Ground::ExpectAllWhole(RemoveMethod method) const {
         ADD_FAILURE() << entry.path() << " is not whole";
       else
         isFound[static_cast<std::size_t>(found->second)] = true;
-      if (place == trash / "files")
+      if (place == trash / "files") {
         EXPECT_TRUE(fs::exists(trash / "info" / (name + ".trashinfo"))) << entry.path();
+      }
     }
   }
   int left = 0;
@@ -186,10 +187,11 @@ int Ground::ExpectAllWhole(RemoveMethod method) const {
     const fs::path path = mTree / "dup" / NameOf(i);
     const bool isThere = fs::exists(path);
     left += isThere ? 1 : 0;
-    if (isThere)
+    if (isThere) {
       EXPECT_TRUE(Read(path) == BytesOf("dup", i)) << path << " is not whole";
-    else if (method != RemoveMethod::Delete)
+    } else if (method != RemoveMethod::Delete) {
       EXPECT_TRUE(isFound[static_cast<std::size_t>(i)]) << path << " is lost";
+    }
   }
   return left;
 }
@@ -313,7 +315,9 @@ TEST_P(KilledRemoval, AtRandomMomentsLosesNothing) {
     if (HasFailure()) return;
   }
   std::printf("%d of %d kills came in the middle of the removal\n", inTheMiddle, kills);
-  if (kills >= 20) EXPECT_GT(inTheMiddle, kills / 4);
+  if (kills >= 20) {
+    EXPECT_GT(inTheMiddle, kills / 4);
+  }
 }
 
 INSTANTIATE_TEST_SUITE_P(All, KilledRemoval,

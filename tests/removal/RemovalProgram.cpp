@@ -2,6 +2,7 @@
 // The forest, the run and the check of what is left.
 #include "removal/RemovalProgram.h"
 
+#include "base/CaseMapping.h"
 #include "settings/OptionsFolder.h"
 
 namespace quillmarsh {
@@ -12,7 +13,6 @@ RemovalProgram::RemovalProgram() {
     drive.root = root;
     machine.AddDrive(drive);
   }
-  machine.AddFolder(u"E:\\");
   mDupesFolderPath = kDupesFolder;
   gDupeSettings->SetUserDefinedMoveFolderPath(kOtherFolder);
   gDupeSettings->SetRemoveWarningShown(true);
@@ -27,7 +27,7 @@ void RemovalProgram::Put(const Text& path, std::uint64_t size, std::uint64_t see
 
 void RemovalProgram::SearchAll() {
   for (const TextView folder : {u"C:\\data", u"D:\\data", u"\\\\nas\\public\\data"})
-    machine.AddFolder(folder);
+    if (!machine.Exists(folder)) machine.AddFolder(folder);
   ASSERT_EQ(Search({u"C:\\data", u"D:\\data", u"\\\\nas\\public\\data"}), SearchOutcome::Complete);
   results.mFileMarked.assign(results.mFileMarked.size(), false);
 }
@@ -99,14 +99,15 @@ void RemovalProgram::ExpectNothingLost(const Contents& before, const std::set<Te
     if (isError) continue;
     EXPECT_TRUE(marked.contains(entry.fileSpec)) << ToUtf8(entry.fileSpec) << " was not marked";
     EXPECT_TRUE(removed.insert(entry.fileSpec).second) << "two entries for one file";
-    if (entry.kind == log_kind::FileMovedToDupesFolder) replaced.insert(entry.target);
+    if (entry.kind == log_kind::FileMovedToDupesFolder)
+      replaced.insert(UpperCaseText(entry.target));
     // A deletion for good is told as one of the Recycle Bin where that refused.
     const bool isDeleted = entry.kind == log_kind::FileSentToRecycleBin &&
                            !after.contains(entry.fileSpec) && machine.Recycled().empty();
     if (!isDeleted) ExpectRemoved(entry, before, after);
   }
   for (const auto& [path, bytes] : before) {
-    if (removed.contains(path) || replaced.contains(path)) continue;
+    if (removed.contains(path) || replaced.contains(UpperCaseText(path))) continue;
     const auto found = after.find(path);
     ASSERT_NE(found, after.end()) << ToUtf8(path) << " is gone without a word";
     EXPECT_EQ(found->second, bytes) << ToUtf8(path) << " was changed";

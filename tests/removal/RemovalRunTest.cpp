@@ -16,42 +16,42 @@ class RemovalRun : public testing::Test {
     for (const TextView name : {u"1\\a", u"2\\a", u"3\\a"}) Put(name, 10);
     for (const TextView name : {u"1\\b", u"2\\b"}) Put(name, 20);
     for (const TextView name : {u"1\\c", u"2\\c", u"3\\c"}) Put(name, 30);
-    program.SearchAll();
-    program.log->lines.clear();
+    program->SearchAll();
+    program->log->lines.clear();
   }
 
-  void Put(TextView name, std::uint64_t size) { program.Put(PathOf(name), size, mSeed++); }
+  void Put(TextView name, std::uint64_t size) { program->Put(PathOf(name), size, mSeed++); }
   [[nodiscard]] static Text PathOf(TextView name) { return u"C:\\data\\" + Text(name); }
-  [[nodiscard]] bool Exists(TextView name) const { return program.machine.Exists(PathOf(name)); }
+  [[nodiscard]] bool Exists(TextView name) const { return program->machine.Exists(PathOf(name)); }
   void Mark(std::initializer_list<TextView> names) {
-    for (const TextView name : names) program.MarkPath(PathOf(name));
+    for (const TextView name : names) program->MarkPath(PathOf(name));
   }
   // Answers the boxes in turn and gives their texts.
   Strings Run(RemoveMethod method, std::initializer_list<MessageBoxResult> answers,
               bool listOnly = false) {
-    for (const MessageBoxResult answer : answers) program.messages.Expect(answer);
-    program.messages.shown.clear();
+    for (const MessageBoxResult answer : answers) program->messages.Expect(answer);
+    program->messages.shown.clear();
     gDupeSettings->SetRemoveMethod(method);
-    cRemovalRun(program.results, *gDupeSettings, program.removalView, 8)
+    cRemovalRun(program->results, *gDupeSettings, program->removalView, 8)
         .RemoveMarkedFilesAllGroups(listOnly);
     Strings texts;
-    for (const MessageBoxRequest& request : program.messages.shown)
+    for (const MessageBoxRequest& request : program->messages.shown)
       texts.push_back(ToUtf8(request.text));
     return texts;
   }
   // The kinds of the history's entries.
   [[nodiscard]] std::string Kinds() const {
     std::string kinds;
-    for (const std::string& line : program.log->lines)
+    for (const std::string& line : program->log->lines)
       kinds += (kinds.empty() ? "" : " ") + line.substr(0, line.find(' '));
     return kinds;
   }
   // "5 files, 110 bytes, groups: 1,2 - 3,4,5"
   [[nodiscard]] std::string Totals() const {
-    std::string text = std::to_string(program.results.mDupeFileCount) + " files, " +
-                       ToUtf8(program.results.mDupeTotalSize.ToText()) + " bytes, groups:";
-    for (std::int32_t group = 1; group <= program.results.mGroupCount; ++group)
-      text += " [" + ToUtf8(program.results.mGroupFileIndexes(group)) + "]";
+    std::string text = std::to_string(program->results.mDupeFileCount) + " files, " +
+                       ToUtf8(program->results.mDupeTotalSize.ToText()) + " bytes, groups:";
+    for (std::int32_t group = 1; group <= program->results.mGroupCount; ++group)
+      text += " [" + ToUtf8(program->results.mGroupFileIndexes(group)) + "]";
     return text;
   }
 
@@ -59,7 +59,13 @@ class RemovalRun : public testing::Test {
   static constexpr auto No = MessageBoxResult::No;
   static constexpr auto Ok = MessageBoxResult::Ok;
   std::uint64_t mSeed = 1;
-  RemovalProgram program;
+  // The program-wide objects are one program's at a time.
+  RemovalProgram& Renew() {
+    program.reset();
+    program = std::make_unique<RemovalProgram>();
+    return *program;
+  }
+  std::unique_ptr<RemovalProgram> program = std::make_unique<RemovalProgram>();
 };
 
 constexpr const char* kCompleted = "Duplicate removal completed successfully";
@@ -67,18 +73,18 @@ constexpr const char* kCompleted = "Duplicate removal completed successfully";
 TEST_F(RemovalRun, TheGuidelinesStandInForTheFirstConfirmation) {
   Mark({u"1\\a"});
   gDupeSettings->SetRemoveWarningShown(false);
-  program.removalView.answer = kRemovalWarningCancel;
+  program->removalView.answer = kRemovalWarningCancel;
   EXPECT_EQ(Run(RemoveMethod::Delete, {}), Strings{});
   EXPECT_EQ(Kinds(), "3");  // an end without a begin
   EXPECT_TRUE(gDupeSettings->RemoveWarningShown());
   EXPECT_TRUE(Exists(u"1\\a"));
 
   gDupeSettings->SetRemoveWarningShown(false);
-  program.removalView.answer = kRemovalWarningContinue;
+  program->removalView.answer = kRemovalWarningContinue;
   EXPECT_EQ(Run(RemoveMethod::Delete, {}), Strings{});
   EXPECT_EQ(Kinds(), "3 2 4 3");
   EXPECT_FALSE(Exists(u"1\\a"));
-  EXPECT_EQ(program.removalView.warnings, 2);
+  EXPECT_EQ(program->removalView.warnings, 2);
 }
 
 TEST_F(RemovalRun, NothingGoesWithoutAMarkOrAYes) {
@@ -87,7 +93,7 @@ TEST_F(RemovalRun, NothingGoesWithoutAMarkOrAYes) {
   EXPECT_EQ(Run(RemoveMethod::MoveToDupesFolder, {No}),
             Strings{"Number of files to remove: 2\r\nRemoval Method: Move to folder \\DUPES\r\n\r\n"
                     "Do you wish to continue?"});
-  EXPECT_EQ(program.messages.shown.at(0).defaultButton, MessageBoxResult::No);
+  EXPECT_EQ(program->messages.shown.at(0).defaultButton, MessageBoxResult::No);
   EXPECT_EQ(Kinds(), "3 3");
   EXPECT_TRUE(Exists(u"1\\a"));
   EXPECT_EQ(Totals(), "8 files, 160 bytes, groups: [1,2,3] [4,5] [6,7,8]");
@@ -98,7 +104,7 @@ TEST_F(RemovalRun, AGroupIsNotLeftWithoutACopyUnasked) {
   const Strings refused = Run(RemoveMethod::Delete, {Yes, No});
   ASSERT_EQ(refused.size(), 2U);
   EXPECT_NE(refused[1].find("no copy stays in its place: 1\r\n"), std::string::npos);
-  EXPECT_EQ(program.messages.shown.at(1).defaultButton, MessageBoxResult::No);
+  EXPECT_EQ(program->messages.shown.at(1).defaultButton, MessageBoxResult::No);
   EXPECT_TRUE(Exists(u"1\\a") && Exists(u"1\\b") && Exists(u"2\\b"));
   EXPECT_EQ(Kinds(), "3");
 
@@ -136,7 +142,7 @@ TEST_F(RemovalRun, GroupsListsAndTotalsKeepInStep) {
   };
   for (const Row& row : rows) {
     SCOPED_TRACE(row.name);
-    RemovalProgram fresh;
+    RemovalProgram& fresh = Renew();
     for (const auto& [path, size] : std::map<Text, std::uint64_t>{{u"1\\a", 10},
                                                                   {u"2\\a", 10},
                                                                   {u"3\\a", 10},
@@ -165,7 +171,7 @@ TEST_F(RemovalRun, GroupsListsAndTotalsKeepInStep) {
 
 TEST_F(RemovalRun, AFileThatCannotGoStaysMarkedInItsGroup) {
   Mark({u"1\\b", u"1\\c"});
-  static_cast<void>(program.machine.HoldOpen(PathOf(u"1\\c"), FILE_SHARE_READ));
+  static_cast<void>(program->machine.HoldOpen(PathOf(u"1\\c"), FILE_SHARE_READ));
   EXPECT_EQ(
       Run(RemoveMethod::Delete, {Yes, Ok}).back(),
       "Duplicate removal is complete.  Some files were not removed due to errors.    View the "
@@ -175,7 +181,7 @@ TEST_F(RemovalRun, AFileThatCannotGoStaysMarkedInItsGroup) {
   EXPECT_TRUE(Exists(u"1\\c"));
 
   // Of two marked files the second goes where the first could not, and the group goes with it.
-  RemovalProgram other;
+  RemovalProgram& other = Renew();
   other.Put(PathOf(u"1\\x"), 5, 1);
   other.Put(PathOf(u"2\\x"), 5, 2);
   other.SearchAll();
@@ -189,12 +195,12 @@ TEST_F(RemovalRun, AFileThatCannotGoStaysMarkedInItsGroup) {
 
 TEST_F(RemovalRun, EscEndsItBehindTheFileThatWasUnderWay) {
   Mark({u"1\\a", u"2\\a", u"1\\c"});
-  program.hook.RunAfter({Operation::DeleteFileW, 1}, [] { gUserAbort = true; });
+  program->hook.RunAfter({Operation::DeleteFileW, 1}, [] { gUserAbort = true; });
   EXPECT_EQ(Run(RemoveMethod::Delete, {Yes, Ok}).back(), "Duplicate removal cancelled by user");
   EXPECT_EQ(Kinds(), "2 4 13 3");
   EXPECT_TRUE(!Exists(u"1\\a") && Exists(u"2\\a") && Exists(u"1\\c"));
   EXPECT_EQ(Totals(), "7 files, 150 bytes, groups: [2,3] [4,5] [6,7,8]");
-  EXPECT_FALSE(program.removalView.isLocked);
+  EXPECT_FALSE(program->removalView.isLocked);
 }
 
 TEST_F(RemovalRun, ListOnlyTakesMarkedFilesOutOfTheListsAndTouchesNone) {
@@ -209,7 +215,7 @@ TEST_F(RemovalRun, ListOnlyTakesMarkedFilesOutOfTheListsAndTouchesNone) {
 TEST_F(RemovalRun, ASecondRunFindsNothingMoreAndSaysThatItCompleted) {
   Mark({u"1\\a", u"1\\c"});
   EXPECT_EQ(Run(RemoveMethod::Delete, {Yes, Ok}).back(), kCompleted);
-  program.log->lines.clear();
+  program->log->lines.clear();
   const Strings second = Run(RemoveMethod::Delete, {Yes, Ok});
   EXPECT_EQ(second.front().substr(0, 28), "Number of files to remove: 2");
   EXPECT_EQ(second.back(), kCompleted);
@@ -219,31 +225,31 @@ TEST_F(RemovalRun, ASecondRunFindsNothingMoreAndSaysThatItCompleted) {
 TEST_F(RemovalRun, ARefusedStartBringsNoRemovedFileBack) {
   Mark({u"1\\a", u"2\\b"});
   Run(RemoveMethod::Delete, {Yes, Ok});
-  program.messages.Expect();
-  EXPECT_EQ(program.Search({}), SearchOutcome::Refused);
-  EXPECT_EQ(program.Groups(),
+  program->messages.Expect();
+  EXPECT_EQ(program->Search({}), SearchOutcome::Refused);
+  EXPECT_EQ(program->Groups(),
             (std::vector<Strings>{{"C:\\data\\2\\a", "C:\\data\\3\\a"},
                                   {"C:\\data\\1\\c", "C:\\data\\2\\c", "C:\\data\\3\\c"}}));
 }
 
 TEST_F(RemovalRun, AReadOnlyBitIsClearedOnceAndComesBackWhereThatDidNotHelp) {
   constexpr std::uint32_t readOnly = FILE_ATTRIBUTE_READONLY | FILE_ATTRIBUTE_ARCHIVE;
-  program.machine.SetAttributes(PathOf(u"1\\a"), readOnly);
-  program.machine.SetAttributes(PathOf(u"1\\c"), readOnly);
-  program.hook.Fail({Operation::DeleteFileW, 2, PathOf(u"1\\c")}, ERROR_ACCESS_DENIED);
-  program.hook.Fail({Operation::DeleteFileW, 0, PathOf(u"1\\b")}, ERROR_ACCESS_DENIED);
+  program->machine.SetAttributes(PathOf(u"1\\a"), readOnly);
+  program->machine.SetAttributes(PathOf(u"1\\c"), readOnly);
+  program->hook.Fail({Operation::DeleteFileW, 2, PathOf(u"1\\c")}, ERROR_ACCESS_DENIED);
+  program->hook.Fail({Operation::DeleteFileW, 0, PathOf(u"1\\b")}, ERROR_ACCESS_DENIED);
   Mark({u"1\\a", u"1\\b", u"1\\c"});
   Run(RemoveMethod::Delete, {Yes, Ok});
   EXPECT_EQ(Kinds(), "2 4 8 8 3");
-  EXPECT_EQ(program.machine.AttributesOf(PathOf(u"1\\c")), readOnly);
-  EXPECT_EQ(program.hook.CountOf(Operation::DeleteFileW, PathOf(u"1\\b")), 1U);
+  EXPECT_EQ(program->machine.AttributesOf(PathOf(u"1\\c")), readOnly);
+  EXPECT_EQ(program->hook.CountOf(Operation::DeleteFileW, PathOf(u"1\\b")), 1U);
 }
 
 // A copy on another volume whose original stays is no removal, whatever the system calls it.
 TEST_F(RemovalRun, AMoveCountsOnlyWhenTheFileIsGone) {
   Mark({u"1\\a"});
-  program.machine.DenyAccess(PathOf(u"1\\a"), 0x10000);  // the right to delete
-  EXPECT_EQ(program.Remove(RemoveMethod::MoveToOtherFolder).removedCount, 0);
+  program->machine.DenyAccess(PathOf(u"1\\a"), 0x10000);  // the right to delete
+  EXPECT_EQ(program->Remove(RemoveMethod::MoveToOtherFolder).removedCount, 0);
   EXPECT_EQ(Kinds(), "2 9 3");
   EXPECT_TRUE(Exists(u"1\\a"));
 }
@@ -252,11 +258,11 @@ class Guard : public RemovalRun {
  protected:
   Strings RemoveGuarded(RemoveMethod method) {
     Strings told;
-    VerifyingGuard guard(program.results, VerifyingGuard::Checks::EverythingThatGoes,
+    VerifyingGuard guard(program->results, VerifyingGuard::Checks::EverythingThatGoes,
                          [&told](TextView path, TextView reason) {
                            told.push_back(ToUtf8(path).substr(8) + ": " + ToUtf8(reason));
                          });
-    mOutcome = program.Remove(method, &guard);
+    mOutcome = program->Remove(method, &guard);
     return told;
   }
   cRemovalRun::Outcome mOutcome;
@@ -299,7 +305,7 @@ TEST_F(Guard, WhatChangedSinceTheSearchIsLeftAlone) {
   };
   for (const Row& row : rows) {
     SCOPED_TRACE(row.name);
-    RemovalProgram fresh;
+    RemovalProgram& fresh = Renew();
     for (const TextView name : {u"1\\a", u"2\\a", u"3\\a"}) fresh.Put(PathOf(name), 10, 1);
     fresh.SearchAll();
     fresh.MarkPath(PathOf(u"1\\a"));
@@ -319,13 +325,13 @@ TEST_F(Guard, WhatChangedSinceTheSearchIsLeftAlone) {
 
 TEST_F(Guard, BytesAreComparedWhereContentsWereACriterion) {
   Mark({u"1\\b"});
-  program.results.mCriteria.contentsMatch = true;
+  program->results.mCriteria.contentsMatch = true;
   EXPECT_EQ(RemoveGuarded(RemoveMethod::Delete),
             Strings{"1\\b: the contents differ; it was compared with \"C:\\data\\2\\b\""});
-  program.machine.SetContents(PathOf(u"2\\b"),
-                              std::string(program.machine.ContentsOf(PathOf(u"1\\b"))));
-  const SimulatedFacts facts = program.machine.FactsOf(PathOf(u"1\\b"));
-  program.machine.SetTimes(PathOf(u"2\\b"), facts.created, 0, facts.written + 10'000'000);
+  SimulatedMachine& machine = program->machine;
+  const SimulatedFacts facts = machine.FactsOf(PathOf(u"2\\b"));
+  machine.SetContents(PathOf(u"2\\b"), std::string(machine.ContentsOf(PathOf(u"1\\b"))));
+  machine.SetTimes(PathOf(u"2\\b"), facts.created, facts.accessed, facts.written);
   EXPECT_EQ(RemoveGuarded(RemoveMethod::Delete), Strings{});
   EXPECT_FALSE(Exists(u"1\\b"));
 }
@@ -333,32 +339,29 @@ TEST_F(Guard, BytesAreComparedWhereContentsWereACriterion) {
 TEST_F(Guard, WhatLiesInTheDupesFolderGivesWayOnlyToItsLike) {
   Mark({u"1\\a", u"1\\c"});
   const Text dupes = Text(kDupesFolder) + u"[C DRIVE]\\data\\1\\";
-  program.machine.AddFile(dupes + u"a", "others");
-  program.machine.AddFile(dupes + u"c", std::string(program.machine.ContentsOf(PathOf(u"1\\c"))));
+  program->machine.AddFile(dupes + u"a", "others");
+  program->machine.AddFile(dupes + u"c", std::string(program->machine.ContentsOf(PathOf(u"1\\c"))));
   EXPECT_EQ(
       RemoveGuarded(RemoveMethod::MoveToDupesFolder),
       Strings{"1\\a: a file with other contents is in its place: \"" + ToUtf8(dupes) + "a\""});
-  EXPECT_EQ(program.machine.ContentsOf(dupes + u"a"), "others");
+  EXPECT_EQ(program->machine.ContentsOf(dupes + u"a"), "others");
   EXPECT_TRUE(Exists(u"1\\a"));
   EXPECT_FALSE(Exists(u"1\\c"));
 }
 
-// A folder that is mounted twice makes a file its own duplicate.
+// As where the folder of the copy has become a link to that of the file, or a server's folder is
+// mounted twice.
 TEST_F(Guard, AFileThatIsItsOwnCopyIsLeftAlone) {
-  RemovalProgram twice;
-  twice.Put(u"D:\\data\\x", 10, 1);
-  twice.machine.AddFolder(u"C:\\data");
-  twice.machine.AddMountPoint(u"C:\\data\\mounted", u"D:\\");
-  ASSERT_EQ(twice.Search({u"D:\\data", u"C:\\data\\mounted\\data"}), SearchOutcome::Complete);
-  if (twice.results.mGroupCount == 0) GTEST_SKIP() << "the walk knew it for one folder already";
-  twice.results.mFileMarked.assign(2, false);
-  twice.Mark(1);
-  int told = 0;
-  VerifyingGuard guard(twice.results, VerifyingGuard::Checks::EverythingThatGoes,
-                       [&told](TextView, TextView) { told += 1; });
-  EXPECT_EQ(twice.Remove(RemoveMethod::Delete, &guard).removedCount, 0);
-  EXPECT_EQ(told, 1);
-  EXPECT_TRUE(twice.machine.Exists(u"D:\\data\\x"));
+  Renew();
+  program->Put(PathOf(u"1\\x"), 10, 1);
+  program->Put(PathOf(u"2\\x"), 10, 1);
+  program->SearchAll();
+  Mark({u"1\\x"});
+  program->machine.Remove(PathOf(u"2"));
+  program->machine.AddJunction(PathOf(u"2"), PathOf(u"1"));
+  EXPECT_EQ(RemoveGuarded(RemoveMethod::Delete),
+            Strings{"1\\x: the copy that stays is this file itself"});
+  EXPECT_TRUE(Exists(u"1\\x"));
 }
 
 }  // namespace

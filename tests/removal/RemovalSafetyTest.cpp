@@ -43,7 +43,8 @@ void GrowForest(RemovalProgram& program, Dice& dice) {
   }
   for (std::uint32_t i = 0; i < 4; ++i) {
     const std::uint32_t attributes = dice.OneIn(2) ? FILE_ATTRIBUTE_READONLY : 0U;
-    program.Put(Text(kOtherFolder) + RandomName(dice) + (dice.OneIn(2) ? u"" : u"x"), 3, i);
+    const Text inOther = Text(kOtherFolder) + RandomName(dice) + (dice.OneIn(2) ? u"" : u"x");
+    if (!program.machine.Exists(inOther)) program.Put(inOther, 3, i);
     const Text inDupes = Text(kDupesFolder) + u"[C DRIVE]\\data\\" + RandomName(dice);
     if (!program.machine.Exists(inDupes)) program.Put(inDupes, 5, i, attributes);
   }
