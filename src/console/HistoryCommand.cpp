@@ -51,7 +51,7 @@ ExitCode RunHistory(const HistoryArguments& arguments) {
   }
   if (text.front() == u'\uFEFF') text.erase(0, 1);
   std::erase(text, u'\r');
-  StandardOutput output;
+  StandardOutput output(StandardOutput::AfterStop::Drop);
   output.Write(ToUtf8(text));
   return output.Finish() ? ExitCode::Done : ExitCode::Refused;
 }

@@ -88,7 +88,7 @@ ExitCode ListOnly(ConsoleSearch& search, const RemoveArguments& arguments) {
   const ExitCode listed = ListResults(search, arguments.search, true);
   if (listed != ExitCode::Done && listed != ExitCode::SomeFilesFailed) return listed;
   if (!arguments.search.isQuiet)
-    PrintError(arguments.isDryRun ? "nothing was removed"
+    PrintError(arguments.isDryRun ? "dry run: nothing was removed"
                                   : "nothing was removed; --yes removes the selected files");
   return LeavesACopyOfEach(search.Results(), arguments.rule.allowsAll) ? listed : ExitCode::Refused;
 }
@@ -101,7 +101,7 @@ class ConsoleRemovalView final : public RemovalView {
 };
 
 ExitCode Remove(ConsoleSearch& search, const RemoveArguments& arguments) {
-  StandardOutput output;
+  StandardOutput output(StandardOutput::AfterStop::Finish);
   RemovalReport report(arguments.search.format, arguments.search.isQuiet, output);
   report.Begin();
   VerifyingGuard guard(

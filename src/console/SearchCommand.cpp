@@ -10,7 +10,7 @@
 namespace quillmarsh {
 
 ExitCode ListResults(ConsoleSearch& search, const SearchArguments& arguments, bool showsMarks) {
-  StandardOutput output;
+  StandardOutput output(StandardOutput::AfterStop::Drop);
   const WriteOptions options{arguments.format, !arguments.isQuiet, showsMarks};
   const bool isWhole = WriteResults(search.Results(), search.FilesSearched(), options, output);
   const bool isWritten = output.Finish();

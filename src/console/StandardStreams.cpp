@@ -22,7 +22,7 @@ bool hasProgressLine = false;
 
 }  // namespace
 
-StandardOutput::StandardOutput() {
+StandardOutput::StandardOutput(AfterStop afterStop) : mAfterStop(afterStop) {
   std::setvbuf(stdout, nullptr, _IONBF, 0);
 }
 
@@ -42,7 +42,8 @@ void StandardOutput::Flush() {
     rest.remove_prefix(written);
     if (written == wanted) continue;
     // A write that a signal broke off goes on, unless the signal was a stop.
-    mHasFailed = errno != EINTR || ConsolePump::IsStopRequested();
+    mHasFailed =
+        errno != EINTR || (mAfterStop == AfterStop::Drop && ConsolePump::IsStopRequested());
     if (errno != EINTR)
       PrintError(std::string("writing the results failed: ") + std::strerror(errno));
   }

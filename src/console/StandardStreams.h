@@ -12,8 +12,12 @@ namespace quillmarsh {
 
 class StandardOutput final : public ByteOutput {
  public:
+  // What is still to be written when a stop comes: a list that is not whole is of no use, but a
+  // report of what was done is, as long as somebody reads it.
+  enum class AfterStop { Drop, Finish };
+
   // Standard output is not buffered a second time behind this.
-  StandardOutput();
+  explicit StandardOutput(AfterStop afterStop);
   void Write(std::string_view bytes) override;
   // Hands everything over. False when any write failed; the first failure has been told.
   [[nodiscard]] bool Finish();
@@ -23,6 +27,7 @@ class StandardOutput final : public ByteOutput {
   void Flush();
 
   static constexpr std::size_t kBufferBytes = 1U << 16;
+  const AfterStop mAfterStop;
   std::string mBuffer;
   bool mHasFailed = false;
 };

@@ -98,7 +98,7 @@ def copy_program(folder):
 
 
 def run(*arguments, user=None, env=None, timeout=600, program=PROGRAM):
-    return subprocess.run([program, *arguments], stdout=subprocess.PIPE, stderr=subprocess.PIPE,
+    return subprocess.run([program, *arguments], stdin=subprocess.DEVNULL, stdout=subprocess.PIPE, stderr=subprocess.PIPE,
                           user=user, timeout=timeout, env={**os.environ, **(env or {})})
 
 

@@ -99,7 +99,7 @@ class Ground {
   [[nodiscard]] static std::string NameOf(int i) { return "file " + std::to_string(i); }
   [[nodiscard]] static std::string BytesOf(const std::string& side, int i) {
     // Some are long enough that a copy of them takes more than one write.
-    const std::size_t size = i % 50 == 1 ? 1'500'000 : 200 + static_cast<std::size_t>(i % 7) * 900;
+    const std::size_t size = i % 400 == 1 ? 1'500'000 : 200 + static_cast<std::size_t>(i % 7) * 900;
     std::string bytes = side + " " + std::to_string(i) + "\n";
     bytes.resize(size, static_cast<char>('a' + i % 26));
     return bytes;
