@@ -82,7 +82,7 @@ bool WriteName(cFSXFile& file) {
   if (AreStringsEqual(file.Name(), file.OriginalName(), true)) return true;
   cFSXFile before;
   before.SetPath(file.Path());
-  
+  before.SetName(file.OriginalName());
   return before.RenameFile(file.Name());
 }
 

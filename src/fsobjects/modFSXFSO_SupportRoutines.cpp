@@ -146,9 +146,7 @@ bool Cancel(bool& cancelled) {
   return false;
 }
 
-// An empty path would mean the current folder of the process.
 bool MakeDestination(TextView folder, Ending& ending) {
-  if (folder.empty()) return ending.Failure(ERROR_PATH_NOT_FOUND);
   const Entry there = LookAt(folder);
   if (there.isFolder) return true;
   if (there.error != 0) return ending.Failure(there.error);

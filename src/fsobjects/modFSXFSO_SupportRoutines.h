@@ -22,8 +22,9 @@ class FSOStatusTarget {
 
 // One object. On failure `errorNumber` is the system's number, or 70 for a folder without
 // permission, and `errorMessage` its text; on success 0 and empty. What is not there is no failure,
-// but what cannot be looked at is one. Once gFSOCancelled is set every routine answers false with
-// `cancelled` set, and nothing is done. Failures of entries of a junction are added to `log`.
+// but what cannot be looked at is one. Once gFSOCancelled is set, which nothing here clears, every
+// routine answers false with `cancelled` set and touches no file. Failures of entries of a junction
+// are added to `log`.
 
 // Into a folder, which is made when it is missing, under the source's own name. A copy overwrites
 // what has that name there, also a read-only file; a move replaces nothing.

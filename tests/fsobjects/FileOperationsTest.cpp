@@ -203,6 +203,11 @@ TEST_F(FileOperations, WhatTheBinRefusesIsDeletedForGoodUnlessThatIsNotWanted) {
       EXPECT_EQ(message, isDeleted ? Text() : Text(row.text) + u" (*SHFileOp*)");
     }
   }
+  // The shell would take the current folder for these.
+  gKeepWhatTheBinRefuses = false;
+  hook.ClearJournal();
+  for (const TextView path : {u"", u"C:\\", u"C:", u"x"}) EXPECT_TRUE(Do(Verb::Recycle, path));
+  EXPECT_EQ(Calls(Operation::SHFileOperationW), 0U);
   EXPECT_EQ(GetShellErrorMessage(1026),
             u"An unknown error occurred. This is typically due to invalid paths in the source or "
             u"destination.");
@@ -245,7 +250,7 @@ TEST_F(FileOperations, OfAJunctionTheLinkAndOfAMountTheFilesGo) {
   machine.AddFile(u"E:\\sub\\three");
   machine.AddMountPoint(u"C:\\d\\mount", u"E:\\");
   machine.AddJunction(u"C:\\d\\link", u"E:\\sub");
-  machine.AddJunction(u"E:\\sub\\round", u"C:\\d");
+  machine.AddJunction(u"E:\\round", u"C:\\d");
 
   EXPECT_TRUE(Do(Verb::Copy, u"C:\\d\\mount"));
   EXPECT_EQ(machine.TreeOf(u"C:\\to\\mount"),
@@ -276,7 +281,7 @@ TEST_F(FileOperations, OfAJunctionTheLinkAndOfAMountTheFilesGo) {
   EXPECT_TRUE(Do(Verb::Move, u"C:\\d\\mount"));
   EXPECT_FALSE(machine.Exists(u"C:\\d\\mount"));
   EXPECT_EQ(machine.TreeOf(u"E:\\"),
-            (std::vector<Text>{u"E:\\sub", u"E:\\sub\\round", u"E:\\sub\\three"}));
+            (std::vector<Text>{u"E:\\round", u"E:\\sub", u"E:\\sub\\three"}));
 }
 
 class KeptMessages final : public FSOStatusTarget {
