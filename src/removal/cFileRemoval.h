@@ -4,6 +4,8 @@
 // folder it saw last.
 #pragma once
 
+#include <unordered_map>
+
 #include "removal/RemovalEntry.h"
 #include "removal/RemovalGuard.h"
 #include "settings/clsDupeSettings.h"
@@ -37,6 +39,8 @@ class cFileRemoval {
   RemovalGuard* const mGuard;
   const RemovalListener mListener;
   Text mProvidedFolder;  // was there when it was looked at last
+  // By upper-cased file name, the last name that one of the kind was given in the other folder.
+  std::unordered_map<Text, Text> mLastNames;
 };
 
 }  // namespace quillmarsh

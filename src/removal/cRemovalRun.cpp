@@ -162,6 +162,7 @@ void cRemovalRun::RemoveMarked(Walk& walk) {
   if (gViews.status != nullptr) gViews.status->ShowProgress(mResults.mDupeFileCount);
   AddToLog(log_kind::BeginRemoval);
   gUserAbort = false;
+  gFSOCancelled = false;
   const cResultsList& list = mResults.ulvwDupeGroups;
   for (std::int32_t position = 0; position < list.Count(); ++position) {
     if (!RemoveFromGroup(walk, list.ItemData(position))) break;

@@ -72,12 +72,12 @@ Text NextBracketedName(const Text& name) {
   return name.substr(0, open + 1) + numbers->next + name.substr(close);
 }
 
-Text FreePath(TextView fileName, TextView folder) {
+Text FreePath(TextView fileName, TextView folder, Text& lastName) {
   const Text base = gFileSpecParser->GetFileNameWithoutExtension(fileName);
   const Text extension = gFileSpecParser->GetExtension(fileName);
   const Text before = AddBackslash(folder);
   const Text behind = extension.empty() ? Text() : u"." + extension;
-  Text name = base;
+  Text name = lastName.empty() ? base : lastName;
   Text candidate;
   for (int tried = 0; tried < kMostCandidates; ++tried) {
     DoEvents_Fast();
@@ -85,6 +85,7 @@ Text FreePath(TextView fileName, TextView folder) {
     candidate = before + name + behind;
     if (!IsTaken(candidate)) break;
   }
+  lastName = name;
   return candidate;
 }
 
@@ -114,8 +115,14 @@ bool SendFileToRecycleBin(TextView fileSpec, std::int32_t& errorNumber, Text& er
 }
 
 Text ResolveFileNameCollision(TextView fileName, TextView folder) {
+  Text lastName;
+  return ResolveNextFileNameCollision(fileName, folder, lastName);
+}
+
+Text ResolveNextFileNameCollision(TextView fileName, TextView folder, Text& lastName) {
   Text path;
-  Guarded(u"modDupe.ResolveFileNameCollision", [&] { path = FreePath(fileName, folder); });
+  Guarded(u"modDupe.ResolveFileNameCollision",
+          [&] { path = FreePath(fileName, folder, lastName); });
   return path;
 }
 

@@ -20,5 +20,9 @@ namespace quillmarsh {
 // a hundred thousand names are taken, or seem to be in a folder that may not be looked into, the
 // last of them: a move, which replaces nothing, then tells what is wrong.
 [[nodiscard]] Text ResolveFileNameCollision(TextView fileName, TextView folder);
+// The same for one after another of many files of a name: `lastName`, empty at first, takes where a
+// call ended, and the next one goes on behind it. Only while all that was answered is taken.
+[[nodiscard]] Text ResolveNextFileNameCollision(TextView fileName, TextView folder,
+                                                Text& lastName);
 
 }  // namespace quillmarsh
