@@ -6,7 +6,6 @@
 #include <functional>
 #include <optional>
 
-#include "base/CaseMapping.h"
 #include "frame/ErrorReporting.h"
 #include "frame/Pump.h"
 #include "fsobjects/CreateFolderTree.h"
@@ -185,9 +184,8 @@ bool cFileRemoval::MoveToOtherFolder(TextView fileSpec) {
   if (const std::uint32_t code = ProvideFolder(folder))
     return Fail(log_kind::CreateFolderError, fileSpec, folder, code);
   Text newPath = folder + name;
-  const Text key = UpperCaseText(name);
   if (FSXFileExists(newPath))
-    newPath = ResolveNextFileNameCollision(name, folder, mLastNames[key]);
+    newPath = ResolveNextFileNameCollision(name, folder, mLastNames[name]);
   const bool isMoved = TheMachine().Disk().MoveFileW(ToLongPath(fileSpec), ToLongPath(newPath));
   const std::uint32_t code = CodeOfMove(isMoved, fileSpec);
   if (code == ERROR_SUCCESS) {
@@ -195,7 +193,7 @@ bool cFileRemoval::MoveToOtherFolder(TextView fileSpec) {
     return true;
   }
   mProvidedFolder.clear();
-  mLastNames.erase(key);
+  mLastNames.erase(name);
   return Fail(log_kind::MoveError, fileSpec, newPath, code);
 }
 

@@ -39,7 +39,7 @@ class cFileRemoval {
   RemovalGuard* const mGuard;
   const RemovalListener mListener;
   Text mProvidedFolder;  // was there when it was looked at last
-  // By upper-cased file name, the last name that one of the kind was given in the other folder.
+  // By file name, the last name that a file of it was given in the other folder.
   std::unordered_map<Text, Text> mLastNames;
 };
 
