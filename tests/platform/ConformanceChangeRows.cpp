@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Rows on deleting, moving and copying files.
+// Rows on changing the disk: deleting, moving, copying, recycling, attributes and times.
 #include <algorithm>
 
 #include "platform/AtomicFiles.h"
@@ -240,6 +240,111 @@ void ReplacingWhole(MachineUnderTest& ground) {
   EXPECT_EQ(Ground(ground), "new.ini=2nd ");
 }
 
+void SettingReadOnly(MachineUnderTest& ground) {
+  ground.MakeFile(u"a", "1");
+  ground.MakeFolder(u"folder");
+  DiskChange& disk = ground.Get().Disk();
+  const std::uint32_t before = AttributesOf(ground, u"a");
+  EXPECT_TRUE(disk.SetFileAttributesW(ground.PathOf(u"a"), before | FILE_ATTRIBUTE_READONLY));
+  EXPECT_EQ(AttributesOf(ground, u"a"), before | FILE_ATTRIBUTE_READONLY);
+  EXPECT_EQ(Delete(ground, u"a"), ERROR_ACCESS_DENIED);
+  EXPECT_TRUE(disk.SetFileAttributesW(ground.PathOf(u"a"), before));
+  EXPECT_EQ(AttributesOf(ground, u"a"), before);
+  EXPECT_EQ(Delete(ground, u"a"), 0U);
+  EXPECT_TRUE(disk.SetFileAttributesW(ground.PathOf(u"folder"), FILE_ATTRIBUTE_NORMAL));
+  EXPECT_FALSE(disk.SetFileAttributesW(ground.PathOf(u"a"), before));
+  EXPECT_EQ(ground.Get().GetLastError(), ERROR_FILE_NOT_FOUND);
+  EXPECT_FALSE(disk.SetFileAttributesW(ground.PathOf(u"none\\a"), before));
+  EXPECT_EQ(ground.Get().GetLastError(), ERROR_PATH_NOT_FOUND);
+}
+
+void RemovingFolders(MachineUnderTest& ground) {
+  ground.MakeFile(u"folder\\in", "1");
+  ground.MakeFolder(u"empty");
+  ground.MakeFolderLink(u"link", u"folder");
+  struct Row {
+    TextView path;
+    std::uint32_t code;
+  };
+  const Row table[] = {
+      {u"folder", ERROR_DIR_NOT_EMPTY},
+      {u"folder\\in", ERROR_DIRECTORY},
+      {u"none", ERROR_FILE_NOT_FOUND},
+      {u"none\\empty", ERROR_PATH_NOT_FOUND},
+      {u"folder\\in\\x", ERROR_PATH_NOT_FOUND},
+      {u"link", 0},
+      {u"empty\\", 0},
+      {u"empty", ERROR_FILE_NOT_FOUND},
+  };
+  for (const Row& row : table) {
+    const bool isGone = ground.Get().Disk().RemoveDirectoryW(ground.PathOf(row.path));
+    EXPECT_EQ(isGone ? 0 : ground.Get().GetLastError(), row.code) << ToUtf8(row.path);
+  }
+  EXPECT_EQ(Ground(ground), "folder\\ folder\\in=1 ");
+  const Text root = ground.Base().substr(0, 3);
+  EXPECT_FALSE(ground.Get().Disk().RemoveDirectoryW(root));
+  EXPECT_EQ(ground.Get().GetLastError(), ERROR_ACCESS_DENIED);
+}
+
+void SettingTimes(MachineUnderTest& ground) {
+  ground.MakeFile(u"a", "1");
+  FileInputOutput& files = ground.Get().Files();
+  const auto open = [&](std::uint32_t access) {
+    return files.CreateFileW(ground.PathOf(u"a"), access, FILE_SHARE_READ, OPEN_EXISTING, 0);
+  };
+  const HANDLE file = open(GENERIC_READ | GENERIC_WRITE);
+  BY_HANDLE_FILE_INFORMATION told;
+  // In 1909, one tick before 1970, and a moment of today with all its digits.
+  constexpr std::int64_t moments[] = {97'444'736'000'000'001, 116'444'735'999'999'999,
+                                      133'000'000'123'456'789};
+  for (const std::int64_t ticks : moments) {
+    const FILETIME written = FILETIME::FromTicks(ticks);
+    const FILETIME accessed = FILETIME::FromTicks(ticks + 10'000'001);
+    EXPECT_TRUE(files.SetFileTime(file, &written, &accessed, &written));
+    EXPECT_TRUE(files.GetFileInformationByHandle(file, told));
+    EXPECT_EQ(told.ftLastWriteTime.Ticks(), ticks);
+    EXPECT_EQ(told.ftLastAccessTime.Ticks(), ticks + 10'000'001);
+  }
+  const FILETIME later = FILETIME::FromTicks(133'000'000'000'000'000);
+  EXPECT_TRUE(files.SetFileTime(file, nullptr, &later, nullptr));
+  EXPECT_TRUE(files.GetFileInformationByHandle(file, told));
+  EXPECT_EQ(told.ftLastWriteTime.Ticks(), moments[2]);
+  EXPECT_EQ(told.ftLastAccessTime, later);
+  EXPECT_TRUE(files.CloseHandle(file));
+  EXPECT_FALSE(files.SetFileTime(file, nullptr, &later, nullptr));
+  EXPECT_EQ(ground.Get().GetLastError(), ERROR_INVALID_HANDLE);
+  const HANDLE readable = open(GENERIC_READ);
+  EXPECT_FALSE(files.SetFileTime(readable, nullptr, &later, nullptr));
+  EXPECT_EQ(ground.Get().GetLastError(), ERROR_ACCESS_DENIED);
+  EXPECT_TRUE(files.CloseHandle(readable));
+}
+
+std::int32_t Recycle(MachineUnderTest& ground, const Text& path, std::uint16_t flags) {
+  SHFILEOPSTRUCTW operation;
+  operation.wFunc = FO_DELETE;
+  operation.pFrom = path + Text(2, u'\0');
+  operation.fFlags = flags;
+  const std::int32_t code = ground.Get().Desktop().SHFileOperationW(operation);
+  EXPECT_FALSE(operation.fAnyOperationsAborted);
+  return code;
+}
+
+void Recycling(MachineUnderTest& ground) {
+  constexpr std::uint16_t flags = FOF_NOERRORUI | FOF_ALLOWUNDO | FOF_NOCONFIRMATION | FOF_SILENT;
+  ground.MakeFile(u"a", "1");
+  ground.MakeFile(u"kept", "2");
+  ground.SetReadOnly(u"a", true);
+  EXPECT_EQ(Recycle(ground, ground.PathOf(u"kept"), FOF_SILENT), 87) << "it could not be undone";
+  EXPECT_EQ(Recycle(ground, u"\\\\?\\" + ground.PathOf(u"kept"), flags), DE_INVALIDFILES);
+  EXPECT_EQ(Recycle(ground, ground.PathOf(u"k*"), flags), DE_INVALIDFILES);
+  EXPECT_EQ(Recycle(ground, ground.PathOf(u"none"), flags), 2);
+  EXPECT_EQ(Recycle(ground, ground.PathOf(u"none\\a"), flags), 3);
+  EXPECT_EQ(Recycle(ground, ground.PathOf(u"a"), flags), 0);
+  EXPECT_EQ(Ground(ground), "kept=2 ");
+  EXPECT_EQ(ground.RecycledBytes(u"a"), "1");
+  EXPECT_EQ(ground.RecycledBytes(u"kept"), "(none)");
+}
+
 constexpr ConformanceRow rows[] = {
     {"FSXFSO_DeleteFSO", "deleting takes files away and keeps read-only ones and folders",
      Deleting},
@@ -255,6 +360,11 @@ constexpr ConformanceRow rows[] = {
     {"WritePrivateProfileStringW", "a file is replaced as a whole with nothing left beside it",
      ReplacingWhole},
     {"RemoveMarkedFilesAllGroups", "a folder that keeps one out of changes is 5", KeptOutOfChanges},
+    {"RemoveFile", "read-only is set and lifted for sure", SettingReadOnly},
+    {"FSXFSO_MoveFSO", "only empty folders and links to folders are removed", RemovingFolders},
+    {"ChangeFileDate", "times are set to the tick, and those that are not given stay",
+     SettingTimes},
+    {"SendFileToRecycleBin", "what goes to the Recycle Bin is found there", Recycling},
 };
 
 }  // namespace

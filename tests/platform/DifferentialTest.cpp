@@ -44,6 +44,7 @@ struct Step {
     Attributes,
     SetReadOnly,
     Remove,
+    RemoveFolder,
     Delete,
     Move,
     Copy
@@ -59,8 +60,9 @@ struct Step {
 };
 
 constexpr const char* kindNames[] = {
-    "MakeFolder", "Open",    "Close",      "Read",        "Write",  "Seek",   "SetEnd", "Facts",
-    "List",       "FindOne", "Attributes", "SetReadOnly", "Remove", "Delete", "Move",   "Copy"};
+    "MakeFolder", "Open",         "Close",  "Read",    "Write",      "Seek",
+    "SetEnd",     "Facts",        "List",   "FindOne", "Attributes", "SetReadOnly",
+    "Remove",     "RemoveFolder", "Delete", "Move",    "Copy"};
 
 class Drawer {
  public:
@@ -71,17 +73,18 @@ class Drawer {
                                                  GENERIC_READ | GENERIC_WRITE, FILE_APPEND_DATA};
     // Trees and open files are to grow, so what makes them comes more often than what ends them.
     static constexpr Step::Kind kinds[] = {
-        Step::Kind::MakeFolder, Step::Kind::MakeFolder,  Step::Kind::MakeFolder,
-        Step::Kind::Open,       Step::Kind::Open,        Step::Kind::Open,
-        Step::Kind::Open,       Step::Kind::Read,        Step::Kind::Read,
-        Step::Kind::Write,      Step::Kind::Write,       Step::Kind::Write,
-        Step::Kind::Seek,       Step::Kind::Seek,        Step::Kind::SetEnd,
-        Step::Kind::Facts,      Step::Kind::Close,       Step::Kind::List,
-        Step::Kind::List,       Step::Kind::FindOne,     Step::Kind::FindOne,
-        Step::Kind::Attributes, Step::Kind::SetReadOnly, Step::Kind::Remove,
-        Step::Kind::Delete,     Step::Kind::Delete,      Step::Kind::Move,
-        Step::Kind::Move,       Step::Kind::Move,        Step::Kind::Move,
-        Step::Kind::Copy,       Step::Kind::Copy,        Step::Kind::Copy};
+        Step::Kind::MakeFolder,  Step::Kind::MakeFolder,   Step::Kind::MakeFolder,
+        Step::Kind::Open,        Step::Kind::Open,         Step::Kind::Open,
+        Step::Kind::Open,        Step::Kind::Read,         Step::Kind::Read,
+        Step::Kind::Write,       Step::Kind::Write,        Step::Kind::Write,
+        Step::Kind::Seek,        Step::Kind::Seek,         Step::Kind::SetEnd,
+        Step::Kind::Facts,       Step::Kind::Close,        Step::Kind::List,
+        Step::Kind::List,        Step::Kind::FindOne,      Step::Kind::FindOne,
+        Step::Kind::Attributes,  Step::Kind::SetReadOnly,  Step::Kind::Remove,
+        Step::Kind::SetReadOnly, Step::Kind::RemoveFolder, Step::Kind::RemoveFolder,
+        Step::Kind::Delete,      Step::Kind::Delete,       Step::Kind::Move,
+        Step::Kind::Move,        Step::Kind::Move,         Step::Kind::Move,
+        Step::Kind::Copy,        Step::Kind::Copy,         Step::Kind::Copy};
     Step step;
     step.kind = kinds[Below(static_cast<int>(std::size(kinds)))];
     step.path = Path();
@@ -172,8 +175,14 @@ class Player {
       case Step::Kind::Attributes:
         return Attributes(path);
       case Step::Kind::SetReadOnly:
+        return SetReadOnly(path, step.flag);
       case Step::Kind::Remove:
-        return ChangeFromOutside(path, step);
+        if (Files().GetFileAttributesW(path) == INVALID_FILE_ATTRIBUTES) return "nothing there";
+        mGround->Remove(step.path);
+        return "done";
+      case Step::Kind::RemoveFolder:
+        CloseAll();
+        return Code(The(), The().Disk().RemoveDirectoryW(path));
       case Step::Kind::Delete:
         return Code(The(), The().Disk().DeleteFileW(path));
       case Step::Kind::Move: {
@@ -265,14 +274,14 @@ class Player {
     return std::to_string(attributes);
   }
 
-  std::string ChangeFromOutside(const Text& path, const Step& step) {
-    const std::uint32_t attributes = Files().GetFileAttributesW(path);
-    if (attributes == INVALID_FILE_ATTRIBUTES) return "nothing there";
-    if (step.kind == Step::Kind::Remove)
-      mGround->Remove(step.path);
-    else if ((attributes & FILE_ATTRIBUTE_DIRECTORY) == 0)
-      mGround->SetReadOnly(step.path, step.flag);
-    return "done";
+  // What it means on a folder is each system's own affair.
+  std::string SetReadOnly(const Text& path, bool readOnly) {
+    const std::uint32_t found = Files().GetFileAttributesW(path);
+    const std::uint32_t before = found == INVALID_FILE_ATTRIBUTES ? FILE_ATTRIBUTE_ARCHIVE : found;
+    if ((before & FILE_ATTRIBUTE_DIRECTORY) != 0) return "not asked";
+    const std::uint32_t bit = readOnly ? FILE_ATTRIBUTE_READONLY : 0;
+    const std::uint32_t wanted = (before & ~FILE_ATTRIBUTE_READONLY) | bit;
+    return Code(The(), The().Disk().SetFileAttributesW(path, wanted));
   }
 
   std::unique_ptr<MachineUnderTest> mGround;

@@ -44,6 +44,11 @@ class SimulatedUnderTest final : public MachineUnderTest {
     mMachine.SetAttributes(PathOf(relative), others | (readOnly ? FILE_ATTRIBUTE_READONLY : 0U));
   }
   void Remove(TextView relative) override { mMachine.Remove(PathOf(relative)); }
+  std::string RecycledBytes(TextView relative) override {
+    for (const RecycledEntry& entry : mMachine.Recycled())
+      if (entry.originalPath == PathOf(relative)) return mMachine.ContentsOf(entry.binPath);
+    return "(none)";
+  }
   [[nodiscard]] bool CanKeepOut() const override { return true; }
   void KeepOut(TextView relative) override { mMachine.DenyAccess(PathOf(relative)); }
 

@@ -31,6 +31,8 @@ class MachineUnderTest {
   virtual void SetWritten(TextView relative, std::int64_t utcTicks) = 0;
   virtual void SetReadOnly(TextView relative, bool readOnly) = 0;
   virtual void Remove(TextView relative) = 0;  // with everything below
+  // What the Recycle Bin holds of a file that was there; "(none)" where it holds none.
+  virtual std::string RecycledBytes(TextView relative) = 0;
 
   // False where nobody can be kept out, as for the superuser.
   [[nodiscard]] virtual bool CanKeepOut() const = 0;

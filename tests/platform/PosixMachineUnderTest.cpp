@@ -8,6 +8,7 @@
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
+#include <sstream>
 #include <stdexcept>
 
 #include "platform/MachineUnderTest.h"
@@ -34,6 +35,12 @@ PosixOptions OptionsIn(const fs::path& folder, bool byComponents) {
   options.dataHome = (folder / "data").string();
   options.byComponents = byComponents;
   return options;
+}
+
+std::string ReadBytes(const fs::path& path) {
+  std::ostringstream bytes;
+  bytes << std::ifstream(path, std::ios::binary).rdbuf();
+  return bytes.str();
 }
 
 class PosixUnderTest final : public MachineUnderTest {
@@ -96,6 +103,18 @@ class PosixUnderTest final : public MachineUnderTest {
     fs::permissions(Native(relative), readOnly ? fs::perms(0444) : fs::perms(0644));
   }
   void Remove(TextView relative) override { fs::remove_all(Native(relative)); }
+  // Names that need no encoding only.
+  std::string RecycledBytes(TextView relative) override {
+    const fs::path trash = mFolder / "data/Trash";
+    std::error_code ignored;
+    for (const auto& entry : fs::directory_iterator(trash / "files", ignored)) {
+      const std::string note =
+          ReadBytes(trash / "info" / (entry.path().filename().string() + ".trashinfo"));
+      if (note.find("\nPath=" + NativeOf(relative) + "\n") != std::string::npos)
+        return ReadBytes(entry.path());
+    }
+    return "(none)";
+  }
   [[nodiscard]] bool CanKeepOut() const override { return ::geteuid() != 0; }
   void KeepOut(TextView relative) override {
     mKeptOut.push_back(Native(relative));

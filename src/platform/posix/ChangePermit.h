@@ -7,6 +7,10 @@
 
 #include <atomic>
 #include <cerrno>
+#include <cstdint>
+#include <memory>
+
+#include "platform/SystemConstants.h"
 
 namespace quillmarsh {
 
@@ -37,5 +41,15 @@ class ChangePermit {
   enum class State { Free, InUse, Withdrawn };
   std::atomic<State> mState{State::Free};
 };
+
+// `run` runs one job with a permit of its own and answers a code; the permit ends when the job is
+// given up, before anybody hears of the 995.
+template <typename Runner>
+[[nodiscard]] std::uint32_t WithPermit(const Runner& run) {
+  const auto permit = std::make_shared<ChangePermit>();
+  const std::uint32_t error = run(permit);
+  if (error == ERROR_OPERATION_ABORTED) permit->Withdraw();
+  return error;
+}
 
 }  // namespace quillmarsh

@@ -14,6 +14,7 @@
 #include <cstring>
 #include <vector>
 
+#include "platform/posix/CarriedFacts.h"
 #include "platform/posix/ErrnoCodes.h"
 #include "platform/posix/FileOpening.h"
 
@@ -91,7 +92,7 @@ struct Copying {
   FolderEntry target;
   OpenedFile file;       // the source
   struct stat facts {};  // of the source when it was opened
-  bool isCompared = false;
+  bool sourceGoes = false;
 };
 
 std::size_t PartOf(const Block& block, std::int64_t rest) {
@@ -168,17 +169,6 @@ std::uint32_t Compare(const Copying& copying, int copy, const ChangePermit& perm
   return ERROR_SUCCESS;
 }
 
-// Permissions and write time. Some file systems keep less of them or nothing, which is no reason to
-// refuse a copy; where not all permissions can be had, read-only is tried alone.
-void CopyFacts(const struct stat& source, int copy) {
-  const mode_t permissions = source.st_mode & 0777U;
-  struct stat made {};
-  if (::fchmod(copy, permissions) != 0 && (permissions & S_IWUSR) == 0 && ::fstat(copy, &made) == 0)
-    (void)::fchmod(copy, made.st_mode & 0555U);
-  const timespec times[2] = {{0, UTIME_OMIT}, source.st_mtim};
-  (void)::futimens(copy, times);
-}
-
 // Fills the temporary file and brings it to the disk. Answers a code.
 std::uint32_t FillTemporary(const Copying& copying, const TemporaryFile& temporary,
                             const ChangePermit& permit) {
@@ -187,16 +177,19 @@ std::uint32_t FillTemporary(const Copying& copying, const TemporaryFile& tempora
     return SystemErrorFromErrno(error);
   if (const std::uint32_t code = CheckEnd(copying)) return code;
   // Told before the long way of writing out and comparing what would not be taken.
-  if (copying.isCompared)
+  if (copying.sourceGoes)
     if (const std::uint32_t code = CheckUnchanged(copying)) return code;
-  CopyFacts(copying.facts, temporary.Fd());
+  if (copying.sourceGoes)
+    CarryFactsOfMove(copying.file.fd.Get(), copying.facts, temporary.Fd());
+  else
+    CarryFactsOfCopy(copying.facts, temporary.Fd());
   if (::fsync(temporary.Fd()) != 0) return SystemErrorFromErrno(errno);
-  if (copying.isCompared)
+  if (copying.sourceGoes)
     if (const std::uint32_t code = Compare(copying, temporary.Fd(), permit, size)) return code;
   struct stat made {};
   if (::fstat(temporary.Fd(), &made) != 0) return SystemErrorFromErrno(errno);
   if (made.st_size != size) return ERROR_IO_DEVICE;
-  return copying.isCompared ? CheckUnchanged(copying) : ERROR_SUCCESS;
+  return copying.sourceGoes ? CheckUnchanged(copying) : ERROR_SUCCESS;
 }
 
 // Whether the target is free or may be replaced. Looks anew.
@@ -218,8 +211,7 @@ std::uint32_t CheckTarget(const PathResolver& resolver, const CopyRequest& reque
 std::uint32_t PutIntoPlace(const PathResolver& resolver, const CopyRequest& request,
                            ChangePermit& permit, Copying& copying, TemporaryFile& temporary) {
   FolderEntry from;
-  from.folder.Reset(::fcntl(copying.target.folder.Get(), F_DUPFD_CLOEXEC, 0));
-  if (!from.folder) return SystemErrorFromErrno(errno);
+  from.folder = copying.target.folder;
   from.name = temporary.Name();
   from.entry.facts.stx_mode = S_IFREG;
   for (int attempt = 0; attempt < MostAttempts; ++attempt) {
@@ -235,15 +227,16 @@ std::uint32_t PutIntoPlace(const PathResolver& resolver, const CopyRequest& requ
   return ERROR_SHARING_VIOLATION;
 }
 
-std::uint32_t Copy(const PathResolver& resolver, const CopyRequest& request, ChangePermit& permit,
+std::uint32_t Copy(OpenFolders& folders, const CopyRequest& request, ChangePermit& permit,
                    Copying& copying) {
   const OpenRequest reading{GENERIC_READ, OPEN_EXISTING, 0};
+  const PathResolver& resolver = folders.Resolver();
   if (const auto error = OpenFileAt(resolver, request.source, reading, copying.file)) return error;
   if (::fstat(copying.file.fd.Get(), &copying.facts) != 0) return SystemErrorFromErrno(errno);
   if (request.targetError != 0) return request.targetError;
   if (request.target.path.relative.empty())
     return request.replaces ? ERROR_ACCESS_DENIED : request.codeIfExists;
-  if (const auto error = OpenEntry(resolver, request.target, copying.target)) return error;
+  if (const auto error = OpenEntry(folders, request.target, copying.target)) return error;
   if (const auto error = CheckTarget(resolver, request, copying)) return error;
   if (request.target.path.endsInBackslash) return ERROR_INVALID_NAME;
   TemporaryFile temporary(copying.target.folder.Get());
@@ -256,10 +249,10 @@ std::uint32_t Copy(const PathResolver& resolver, const CopyRequest& request, Cha
 }
 
 // Deletes the source by its name if that still names what was copied, as it was then.
-void DeleteSource(const PathResolver& resolver, const CopyRequest& request, ChangePermit& permit,
+void DeleteSource(OpenFolders& folders, const CopyRequest& request, ChangePermit& permit,
                   const Copying& copying) {
   FolderEntry source;
-  if (OpenEntry(resolver, request.source, source) != 0 || !source.exists) return;
+  if (OpenEntry(folders, request.source, source) != 0 || !source.exists) return;
   const struct statx& now = source.entry.facts;
   const struct stat& then = copying.facts;
   const bool isTheSame = now.stx_ino == then.st_ino && now.stx_dev_major == major(then.st_dev) &&
@@ -273,22 +266,19 @@ void DeleteSource(const PathResolver& resolver, const CopyRequest& request, Chan
 
 }  // namespace
 
-std::uint32_t CopyToTarget(const PathResolver& resolver, const CopyRequest& request,
-                           ChangePermit& permit) {
+std::uint32_t CopyToTarget(OpenFolders& folders, const CopyRequest& request, ChangePermit& permit) {
   Copying copying;
-  if (const auto error = Copy(resolver, request, permit, copying)) return error;
+  if (const auto error = Copy(folders, request, permit, copying)) return error;
   (void)SyncFolder(copying.target.folder.Get());
   return ERROR_SUCCESS;
 }
 
-std::uint32_t MoveByCopy(const PathResolver& resolver, const CopyRequest& request,
-                         ChangePermit& permit) {
+std::uint32_t MoveByCopy(OpenFolders& folders, const CopyRequest& request, ChangePermit& permit) {
   Copying copying;
-  copying.isCompared = true;
-  if (const auto error = Copy(resolver, request, permit, copying)) return error;
+  copying.sourceGoes = true;
+  if (const auto error = Copy(folders, request, permit, copying)) return error;
   // Until the new name is on the disk for sure, the old one stays.
-  if (SyncFolder(copying.target.folder.Get()) == 0)
-    DeleteSource(resolver, request, permit, copying);
+  if (SyncFolder(copying.target.folder.Get()) == 0) DeleteSource(folders, request, permit, copying);
   return permit.IsWithdrawn() ? ERROR_OPERATION_ABORTED : ERROR_SUCCESS;
 }
 

@@ -20,12 +20,12 @@ struct CopyRequest {
 // source deleted (995).
 // The target becomes a copy of the source, which must be a file, with the size that it has at the
 // beginning, however fast it grows.
-[[nodiscard]] std::uint32_t CopyToTarget(const PathResolver& resolver, const CopyRequest& request,
+[[nodiscard]] std::uint32_t CopyToTarget(OpenFolders& folders, const CopyRequest& request,
                                          ChangePermit& permit);
 // The same, compared with the source byte by byte before it is put into place, and 32 where the
 // source has changed meanwhile; then the source is deleted, unless it has changed by then or cannot
 // be, which is no failure.
-[[nodiscard]] std::uint32_t MoveByCopy(const PathResolver& resolver, const CopyRequest& request,
+[[nodiscard]] std::uint32_t MoveByCopy(OpenFolders& folders, const CopyRequest& request,
                                        ChangePermit& permit);
 
 }  // namespace quillmarsh

@@ -8,22 +8,15 @@
 #include <linux/fs.h>
 #include <sys/ioctl.h>
 #include <sys/stat.h>
-#include <sys/syscall.h>
 #include <unistd.h>
 
 #include <cerrno>
+#include <cstdio>
 
 #include "platform/posix/ErrnoCodes.h"
 
 namespace quillmarsh {
 namespace {
-
-// The errno of looking at an entry. ENOENT alone says that it is gone: a server that fails to
-// answer says nothing.
-int LookFor(int folder, const std::string& name) {
-  struct statx facts {};
-  return ::statx(folder, name.c_str(), FactsOfEntryItself, STATX_TYPE, &facts) == 0 ? 0 : errno;
-}
 
 UniqueFd OpenToRead(int folder) {
   return UniqueFd(::openat(folder, ".", O_RDONLY | O_DIRECTORY | O_CLOEXEC));
@@ -74,10 +67,21 @@ std::uint32_t WhyNotReplaced(const FolderEntry& place, Replacement replacement) 
   return mayGo ? ERROR_SUCCESS : ERROR_ACCESS_DENIED;
 }
 
-std::uint32_t OpenEntry(const PathResolver& resolver, const Located& located, FolderEntry& place) {
-  if (const std::uint32_t error = OpenParent(resolver, located, place.folder)) return error;
+std::uint32_t OpenPlace(OpenFolders& folders, const Located& located, FolderEntry& place) {
   place.name = located.path.Name();
-  return LookAgain(resolver, located, place);
+  return folders.OpenParent(located, place.folder);
+}
+
+std::uint32_t OpenEntry(OpenFolders& folders, const Located& located, FolderEntry& place) {
+  if (const std::uint32_t error = OpenPlace(folders, located, place)) return error;
+  return LookAgain(folders.Resolver(), located, place);
+}
+
+int LookFor(const FolderEntry& place) {
+  struct statx facts {};
+  const int folder = place.folder.Get();
+  return ::statx(folder, place.name.c_str(), FactsOfEntryItself, STATX_TYPE, &facts) == 0 ? 0
+                                                                                          : errno;
 }
 
 std::uint32_t LookAgain(const PathResolver& resolver, const Located& located, FolderEntry& place) {
@@ -106,7 +110,7 @@ int RenameByLink(const FolderEntry& source, const FolderEntry& target, ChangePer
   if (error == 0) return 0;
   // A server may have done it and lost the answer. The second link goes only while the first one is
   // there for sure.
-  const int look = LookFor(from, source.name);
+  const int look = LookFor(source);
   if (look != 0) return look == ENOENT ? 0 : look;
   (void)permit.Use([&] { return ::unlinkat(to, target.name.c_str(), 0); });
   return error;
@@ -134,15 +138,15 @@ int RenameOntoReservedName(const FolderEntry& source, const FolderEntry& target,
       (void)permit.Use([&] { return ::unlinkat(folder, name, isFolder ? AT_REMOVEDIR : 0); });
     return error;
   }
-  const int lookAtSource = LookFor(source.folder.Get(), source.name);
+  const int lookAtSource = LookFor(source);
   if (lookAtSource != ENOENT) return lookAtSource == 0 ? error : lookAtSource;
   return lookAtTarget;  // done only where the target is seen
 }
 
 int RenameToFreeName(const FolderEntry& source, const FolderEntry& target, ChangePermit& permit) {
   const int error = permit.Use([&] {
-    return ::syscall(SYS_renameat2, source.folder.Get(), source.name.c_str(), target.folder.Get(),
-                     target.name.c_str(), RENAME_NOREPLACE);
+    return ::renameat2(source.folder.Get(), source.name.c_str(), target.folder.Get(),
+                       target.name.c_str(), RENAME_NOREPLACE);
   });
   if (error != EINVAL && error != ENOSYS && error != EOPNOTSUPP) return error;
   if (!S_ISDIR(source.entry.facts.stx_mode)) {

@@ -9,7 +9,7 @@
 namespace quillmarsh {
 
 struct FolderEntry {
-  UniqueFd folder;   // a place to start from, not readable
+  SharedFd folder;   // a place to start from, not readable
   std::string name;  // never empty
   bool exists = false;
   EntryFacts entry;  // of the entry itself, also of a link; only where it exists
@@ -22,11 +22,17 @@ struct FolderEntry {
 
 // Opens the folder and looks at the entry. A missing entry is no failure, a missing folder is 3.
 // The drive's root is no entry of a folder; callers turn it away before.
-[[nodiscard]] std::uint32_t OpenEntry(const PathResolver& resolver, const Located& located,
+[[nodiscard]] std::uint32_t OpenEntry(OpenFolders& folders, const Located& located,
+                                      FolderEntry& place);
+// The same without a look at the entry.
+[[nodiscard]] std::uint32_t OpenPlace(OpenFolders& folders, const Located& located,
                                       FolderEntry& place);
 // Looks again at what lies there now. Answers a code.
 [[nodiscard]] std::uint32_t LookAgain(const PathResolver& resolver, const Located& located,
                                       FolderEntry& place);
+// The errno of a look. ENOENT alone says that nothing is there: a server that fails to answer says
+// nothing.
+[[nodiscard]] int LookFor(const FolderEntry& place);
 
 // What an entry gives way to.
 enum class Replacement { File, Folder };

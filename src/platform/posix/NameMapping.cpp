@@ -22,6 +22,9 @@ constexpr std::array<bool, 128> ForbiddenTable = [] {
 constexpr bool IsForbidden(char32_t point) {
   return point < 128 && ForbiddenTable[point];
 }
+constexpr bool IsPlain(char16_t unit) {
+  return unit != 0 && unit != u'/' && unit < 128 && !ForbiddenTable[unit];
+}
 // Whether the mapping itself uses this code point for a forbidden character.
 constexpr bool IsTaken(char32_t point) {
   return point >= ForbiddenBase && IsForbidden(point - ForbiddenBase);
@@ -130,7 +133,12 @@ bool AppendNameBytes(TextView name, std::string& bytes) {
   const std::size_t before = bytes.size();
   bool carriesBytes = false;
   bool isName = true;
-  for (std::size_t place = 0; place < name.size() && isName; ++place) {
+  std::size_t plain = 0;  // most names are nothing else
+  bytes.resize(before + name.size());
+  for (; plain < name.size() && IsPlain(name[plain]); ++plain)
+    bytes[before + plain] = static_cast<char>(name[plain]);
+  bytes.resize(before + plain);
+  for (std::size_t place = plain; place < name.size() && isName; ++place) {
     const char16_t unit = name[place];
     if (unit < 128) {
       isName = unit != 0 && unit != u'/' && !IsForbidden(unit);

@@ -8,6 +8,7 @@
 #include <sys/types.h>
 
 #include <cstdint>
+#include <memory>
 #include <string>
 #include <string_view>
 
@@ -26,6 +27,13 @@ struct DrivePath {
   // The folder that holds the entry, and the entry's name; both empty for the root.
   [[nodiscard]] std::string_view Parent() const;
   [[nodiscard]] std::string_view Name() const;
+};
+
+// A path with its drive. The drive lives as long as the table.
+struct Located {
+  std::shared_ptr<const DriveTable> table;
+  const Drive* drive = nullptr;
+  DrivePath path;
 };
 
 // A leading "\\?\" is dropped, empty components and "." are skipped. 0, or: 3 an empty path, 53 a

@@ -9,9 +9,13 @@
 namespace quillmarsh {
 namespace {
 
-std::uint32_t ReadFacts(const PathResolver& resolver, const Located& located, EntryFacts& entry) {
-  UniqueFd parent;
-  if (const std::uint32_t error = OpenParent(resolver, located, parent)) return error;
+std::uint32_t ReadFacts(OpenFolders& folders, const Located& located, EntryFacts& entry) {
+  if (folders.FactsOf(located, entry.facts)) {
+    entry.kind = EntryKind::Folder;
+    return ERROR_SUCCESS;
+  }
+  SharedFd parent;
+  if (const std::uint32_t error = folders.OpenParent(located, parent)) return error;
   const std::string name(located.path.Name());
   const bool isRoot = name.empty();
   const int flags = isRoot ? AT_EMPTY_PATH : FactsOfEntryItself;
@@ -20,7 +24,7 @@ std::uint32_t ReadFacts(const PathResolver& resolver, const Located& located, En
   entry.kind = isRoot ? EntryKind::Folder : KindOf(entry.facts);
   const bool careful = located.table->mounts.HasAutomounts();
   if (entry.kind == EntryKind::FileLink &&
-      resolver.LinkLeadsToFolder(parent.Get(), name.c_str(), careful))
+      folders.Resolver().LinkLeadsToFolder(parent.Get(), name.c_str(), careful))
     entry.kind = EntryKind::FolderLink;
   if (entry.kind == EntryKind::Other && !S_ISREG(entry.facts.stx_mode)) return ERROR_ACCESS_DENIED;
   const bool isFolder = S_ISDIR(entry.facts.stx_mode) || entry.kind == EntryKind::FolderLink;
@@ -28,19 +32,6 @@ std::uint32_t ReadFacts(const PathResolver& resolver, const Located& located, En
 }
 
 }  // namespace
-
-std::uint32_t OpenParent(const PathResolver& resolver, const Located& located, UniqueFd& parent) {
-  UniqueFd root;
-  if (const std::uint32_t error = resolver.OpenRoot(*located.drive, root)) return error;
-  const std::string_view folder = located.path.Parent();
-  if (folder.empty()) {
-    parent = std::move(root);
-    return ERROR_SUCCESS;
-  }
-  const int error = resolver.OpenFolder(root.Get(), folder, parent);
-  const std::uint32_t code = SystemErrorFromErrno(error);
-  return code == ERROR_FILE_NOT_FOUND ? ERROR_PATH_NOT_FOUND : code;
-}
 
 std::uint32_t PosixContext::Locate(TextView path, Located& located) const {
   if (const std::uint32_t error = ParseDrivePath(path, located.path)) return error;
@@ -52,7 +43,8 @@ std::uint32_t PosixContext::Locate(TextView path, Located& located) const {
 }
 
 std::uint32_t PosixContext::LookAt(const Located& located, EntryFacts& entry) {
-  return Run(located.drive->kind.answers, entry, [located, shared = resolver](EntryFacts& found) {
+  if (located.drive->kind.answers) return ReadFacts(*folders, located, entry);
+  return Run(false, entry, [located, shared = folders](EntryFacts& found) {
     return ReadFacts(*shared, located, found);
   });
 }

@@ -12,19 +12,11 @@
 #include <utility>
 
 #include "platform/SystemConstants.h"
-#include "platform/posix/DriveLetters.h"
-#include "platform/posix/PathResolver.h"
+#include "platform/posix/OpenFolders.h"
 #include "platform/posix/PatientWorker.h"
 #include "platform/posix/StatxFacts.h"
 
 namespace quillmarsh {
-
-// A path with its drive. The drive lives as long as the table.
-struct Located {
-  std::shared_ptr<const DriveTable> table;
-  const Drive* drive = nullptr;
-  DrivePath path;
-};
 
 struct EntryFacts {
   struct statx facts {};
@@ -36,10 +28,14 @@ class PosixContext {
   PosixContext(std::shared_ptr<DriveLetters> driveLetters,
                std::shared_ptr<const PathResolver> pathResolver,
                const std::function<Patience*()>& patience)
-      : letters(std::move(driveLetters)), resolver(std::move(pathResolver)), worker(patience) {}
+      : letters(std::move(driveLetters)),
+        resolver(std::move(pathResolver)),
+        folders(std::make_shared<OpenFolders>(resolver)),
+        worker(patience) {}
 
   const std::shared_ptr<DriveLetters> letters;
   const std::shared_ptr<const PathResolver> resolver;
+  const std::shared_ptr<OpenFolders> folders;
   PatientWorker worker;
 
   // The codes of ParseDrivePath, 3 for a letter that no drive has, 21 for one whose file system is
@@ -77,10 +73,5 @@ class PosixContext {
   // answer 5.
   [[nodiscard]] std::uint32_t LookAt(const Located& located, EntryFacts& entry);
 };
-
-// The folder that holds the entry, opened as a place to start from, and for the root of a drive the
-// root itself. Answers a code.
-[[nodiscard]] std::uint32_t OpenParent(const PathResolver& resolver, const Located& located,
-                                       UniqueFd& parent);
 
 }  // namespace quillmarsh

@@ -7,6 +7,7 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <array>
 #include <cerrno>
 #include <cstring>
 #include <limits>
@@ -39,6 +40,10 @@ int WriteFully(int fd, const std::byte* bytes, std::size_t size, std::int64_t po
     done += static_cast<std::size_t>(put);
   }
   return 0;
+}
+
+timespec TimeSpecOf(const FILETIME* moment) {
+  return moment != nullptr ? TimeOf(*moment) : timespec{0, UTIME_OMIT};
 }
 
 }  // namespace
@@ -75,6 +80,7 @@ std::uint32_t PosixFiles::Open(TextView path, const OpenRequest& request, OpenFi
   if (error == ERROR_TOO_MANY_OPEN_FILES) {
     // Some of them only wait to be taken up.
     mPrefetcher.DropHints();
+    mContext.folders->LetGo();
     error = mContext.Run(file.answers, opened, open);
   }
   file.fd = std::make_shared<UniqueFd>(std::move(opened.fd));
@@ -265,9 +271,18 @@ bool PosixFiles::DoSetEnd(HANDLE handle) {
   return error == 0 || Fail(error, false);
 }
 
-bool PosixFiles::DoSetTimes(HANDLE /*file*/, const FILETIME* /*created*/,
-                            const FILETIME* /*accessed*/, const FILETIME* /*written*/) {
-  return Fail(ERROR_NOT_SUPPORTED, false);
+// No volume here lets a creation time be set.
+bool PosixFiles::DoSetTimes(HANDLE handle, const FILETIME* /*created*/, const FILETIME* accessed,
+                            const FILETIME* written) {
+  const OpenFile* const file = mFiles.Find(handle);
+  if (file == nullptr) return Fail(ERROR_INVALID_HANDLE, false);
+  if (!file->writes) return Fail(ERROR_ACCESS_DENIED, false);
+  const std::array<timespec, 2> times = {TimeSpecOf(accessed), TimeSpecOf(written)};
+  char nothing = 0;
+  const std::uint32_t error = mContext.Run(file->answers, nothing, [fd = file->fd, times](char&) {
+    return ::futimens(fd->Get(), times.data()) == 0 ? ERROR_SUCCESS : SystemErrorFromErrno(errno);
+  });
+  return error == 0 || Fail(error, false);
 }
 
 bool PosixFiles::DoFlush(HANDLE handle) {

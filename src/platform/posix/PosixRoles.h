@@ -15,6 +15,7 @@
 #include "platform/posix/FileCopying.h"
 #include "platform/posix/LoadedModules.h"
 #include "platform/posix/PosixContext.h"
+#include "platform/posix/ReadOnlyBit.h"
 #include "platform/posix/ZoneRules.h"
 
 namespace quillmarsh {
@@ -32,11 +33,15 @@ class PosixDisk final : public DiskChange {
   bool DoSetAttributes(TextView path, std::uint32_t attributes) override;
 
   // Both answer a code.
-  using EntryOperation = std::uint32_t(const PathResolver&, const Located&, ChangePermit&);
+  using EntryOperation = std::uint32_t(OpenFolders&, const Located&, ChangePermit&);
   std::uint32_t RunChange(const Located& located, EntryOperation* operation);
-  using CopyOperation = std::uint32_t(const PathResolver&, const CopyRequest&, ChangePermit&);
-  bool RunCopy(const CopyRequest& request, CopyOperation* operation);
+  using CopyOperation = std::uint32_t(OpenFolders&, const CopyRequest&, ChangePermit&);
+  bool RunCopy(const CopyRequest& request, const std::optional<LiftedBit>& lifted,
+               CopyOperation* operation);
+
   PosixContext& mContext;
+  // By the last operation, if the very next one is to take a name of that file away.
+  std::optional<LiftedBit> mLifted;
 };
 
 // Volumes here keep no access lists, so there is no descriptor to check against: every question

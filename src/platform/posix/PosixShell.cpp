@@ -11,6 +11,7 @@
 
 #include "base/TextEquality.h"
 #include "platform/posix/DesktopPrograms.h"
+#include "platform/posix/DesktopTrash.h"
 #include "platform/posix/ErrnoCodes.h"
 #include "platform/posix/NameMapping.h"
 #include "platform/posix/NativeWalk.h"
@@ -58,6 +59,17 @@ std::intptr_t ShellAnswerOf(std::uint32_t error) {
   }
 }
 
+std::int32_t ShellCodeOf(std::uint32_t error) {
+  switch (error) {
+    case ERROR_ACCESS_DENIED:
+      return DE_ACCESSDENIEDSRC;
+    case ERROR_BAD_PATHNAME:
+      return DE_INVALIDFILES;
+    default:
+      return static_cast<std::int32_t>(error);
+  }
+}
+
 std::string OrBelow(const std::string& folder, const std::string& home, const char* below) {
   return folder.empty() && !home.empty() ? home + below : folder;
 }
@@ -77,15 +89,23 @@ PosixShell::PosixShell(CallState& state, PosixContext& context, UserFolders fold
     : Shell(state), mContext(context), mFolders(std::move(folders)) {}
 
 Text PosixShell::DriveForm(const std::string& native) {
-  if (native.empty()) return Fail(ERROR_PATH_NOT_FOUND, Text());
+  std::uint32_t error = ERROR_SUCCESS;
+  Text form = DriveForm(native, error);
+  return error == ERROR_SUCCESS ? std::move(form) : Fail(error, Text());
+}
+
+Text PosixShell::DriveForm(const std::string& native, std::uint32_t& error) {
+  error = ERROR_PATH_NOT_FOUND;
+  if (native.empty()) return {};
   CanonicalPath canonical;
-  const std::uint32_t error = mContext.Run(false, canonical, [native](CanonicalPath& found) {
+  error = mContext.Run(false, canonical, [native](CanonicalPath& found) {
     found = Canonical(native, MissingTail::Kept);
     return SystemErrorFromErrno(found.error);
   });
-  if (error != 0) return Fail(error, Text());
+  if (error != 0) return {};
   auto form = mContext.letters->Current()->DriveForm(canonical.path);
-  return form ? std::move(*form) : Fail(ERROR_INVALID_DRIVE, Text());
+  if (!form) error = ERROR_INVALID_DRIVE;
+  return form ? std::move(*form) : Text();
 }
 
 // A line of user-dirs.dirs: KEY="$HOME/folder" or KEY="/folder".
@@ -173,8 +193,47 @@ std::intptr_t PosixShell::DoExecute(TextView /*verb*/, TextView file, TextView p
   return isStarted ? kStarted : SE_ERR_NOASSOC;
 }
 
-std::int32_t PosixShell::DoFileOperation(SHFILEOPSTRUCTW& /*operation*/) {
-  return static_cast<std::int32_t>(ERROR_NOT_SUPPORTED);
+std::uint32_t PosixShell::SendToBin(TextView path, const Located& homeTrash) {
+  TrashRequest request;
+  request.home = homeTrash;
+  if (const auto error = mContext.Locate(path, request.source)) return error;
+  const bool answers = request.source.drive->kind.answers &&
+                       (homeTrash.drive == nullptr || homeTrash.drive->kind.answers);
+  char nothing = 0;
+  return WithPermit([&](const std::shared_ptr<ChangePermit>& permit) {
+    return mContext.RunLong(answers, nothing, [folders = mContext.folders, request, permit](char&) {
+      return SendToTrash(*folders, request, *permit);
+    });
+  });
+}
+
+Located PosixShell::HomeTrash(std::uint32_t& error) {
+  Located trash;
+  error = ERROR_PATH_NOT_FOUND;
+  if (!mFolders.data.empty()) {
+    const Text form = DriveForm(mFolders.data + "/Trash", error);
+    if (error == ERROR_SUCCESS) error = mContext.Locate(form, trash);
+  }
+  return error == ERROR_SUCCESS ? trash : Located{};
+}
+
+// What was sent before a refusal stays sent.
+std::int32_t PosixShell::DoFileOperation(SHFILEOPSTRUCTW& operation) {
+  if (operation.wFunc != FO_DELETE || (operation.fFlags & FOF_ALLOWUNDO) == 0)
+    return static_cast<std::int32_t>(ERROR_INVALID_PARAMETER);
+  std::uint32_t error = ERROR_SUCCESS;
+  const Located home = HomeTrash(error);
+  if (error != ERROR_OPERATION_ABORTED) error = ERROR_SUCCESS;
+  for (TextView rest = operation.pFrom; error == ERROR_SUCCESS && !rest.empty();) {
+    const TextView path = rest.substr(0, rest.find(u'\0'));
+    if (path.empty()) break;
+    if (path.starts_with(u"\\\\?\\") || path.find_first_of(u"*?") != TextView::npos)
+      return DE_INVALIDFILES;
+    error = SendToBin(path, home);
+    rest.remove_prefix(std::min(path.size() + 1, rest.size()));
+  }
+  operation.fAnyOperationsAborted = error == ERROR_OPERATION_ABORTED;
+  return ShellCodeOf(error);
 }
 
 std::vector<Text> PosixShell::DoRecycleBinMarks() {

@@ -32,12 +32,19 @@ class PosixShell final : public Shell {
   // The verb and how to show a window are the other program's own business here.
   std::intptr_t DoExecute(TextView verb, TextView file, TextView parameters,
                           std::int32_t show) override;
+  // Into the desktop's trash.
   std::int32_t DoFileOperation(SHFILEOPSTRUCTW& operation) override;
   std::vector<Text> DoRecycleBinMarks() override;
 
+  // Without a drive, and with a code, where there is none that has a letter.
+  Located HomeTrash(std::uint32_t& error);
+  // Answers a code of the system.
+  std::uint32_t SendToBin(TextView path, const Located& homeTrash);
   // The drive form of a native folder that need not exist; empty, with the last error set, on
   // failure.
   Text DriveForm(const std::string& native);
+  // The same with the code told instead.
+  Text DriveForm(const std::string& native, std::uint32_t& error);
   [[nodiscard]] std::string UserDirectory(std::string_view key, std::string_view otherwise) const;
 
   PosixContext& mContext;

@@ -33,6 +33,16 @@ FILETIME FileTimeOf(std::int64_t seconds, std::uint32_t nanoseconds) {
                              nanoseconds / 100);
 }
 
+timespec TimeOf(const FILETIME& moment) {
+  std::int64_t seconds = moment.Ticks() / TicksPerSecond;
+  std::int64_t part = moment.Ticks() % TicksPerSecond;
+  if (part < 0) {  // it counts forward from the second before
+    part += TicksPerSecond;
+    --seconds;
+  }
+  return {seconds - SecondsFrom1601To1970, part * 100};
+}
+
 EntryKind KindOf(const struct statx& facts) {
   const bool isMount = HasAttribute(facts, STATX_ATTR_MOUNT_ROOT);
   if (S_ISDIR(facts.stx_mode)) {

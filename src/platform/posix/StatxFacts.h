@@ -4,6 +4,7 @@
 
 #include <fcntl.h>
 #include <sys/stat.h>
+#include <time.h>
 
 #include <cstdint>
 #include <string_view>
@@ -17,6 +18,8 @@ inline constexpr int FactsOfEntryItself = AT_SYMLINK_NOFOLLOW | AT_NO_AUTOMOUNT;
 
 // Ticks of a moment. Moments before 1601 become 1601, those after the last tick become the last.
 [[nodiscard]] FILETIME FileTimeOf(std::int64_t seconds, std::uint32_t nanoseconds);
+// The other way, for any number of ticks.
+[[nodiscard]] timespec TimeOf(const FILETIME& moment);
 
 // What an entry is to the program.
 enum class EntryKind { File, Folder, FolderLink, FileLink, MountRoot, Other };

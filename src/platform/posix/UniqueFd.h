@@ -1,9 +1,10 @@
 // SPDX-License-Identifier: MIT
-// Owns one file descriptor and closes it once. Never copies, never duplicates.
+// Owns one file descriptor and closes it once, alone or together with others. Never duplicates.
 #pragma once
 
 #include <unistd.h>
 
+#include <memory>
 #include <utility>
 
 namespace quillmarsh {
@@ -28,6 +29,20 @@ class UniqueFd {
 
  private:
   int mFd = -1;
+};
+
+// One descriptor that several hold; the last of them closes it.
+class SharedFd {
+ public:
+  SharedFd() = default;
+  explicit SharedFd(UniqueFd fd) : mFd(std::make_shared<const UniqueFd>(std::move(fd))) {}
+
+  [[nodiscard]] int Get() const { return mFd != nullptr ? mFd->Get() : -1; }
+  [[nodiscard]] explicit operator bool() const { return Get() >= 0; }
+  void Reset(int fd = -1) { *this = fd >= 0 ? SharedFd(UniqueFd(fd)) : SharedFd(); }
+
+ private:
+  std::shared_ptr<const UniqueFd> mFd;
 };
 
 }  // namespace quillmarsh

@@ -7,82 +7,22 @@
 #include <sys/resource.h>
 #include <sys/stat.h>
 
-#include <csignal>
 #include <fstream>
 #include <future>
 #include <sstream>
 #include <thread>
 
+#include "platform/posix/DyingServer.h"
 #include "platform/posix/FileCopying.h"
 #include "platform/posix/FileOpening.h"
 #include "platform/posix/FolderEntry.h"
-#include "platform/posix/SystemCallHook.h"
-#include "platform/posix/TempTree.h"
+#include "platform/posix/TwoDrives.h"
 
 namespace quillmarsh::test {
 namespace {
 
 constexpr std::uint32_t Replace = MOVEFILE_REPLACE_EXISTING;
 constexpr std::uint32_t CopyAllowed = MOVEFILE_COPY_ALLOWED;
-
-// D: and E: are two volumes to the machine, though one file system holds both.
-PosixOptions TwoDrives(const TempTree& scratch, const std::string& d, const std::string& e,
-                       const std::string& type) {
-  PosixOptions options = DriveAt(scratch, d, type);
-  const UniqueFd root(::open(d.c_str(), O_PATH | O_DIRECTORY));
-  MountLine first{d, type};
-  MountLine second{e, type, "/dev/test2", "8:2"};
-  first.id = second.id = static_cast<int>(MountIdOf(root.Get()));
-  options.mountInfoFile = scratch.File("two-drives", MountList({first, second}));
-  return options;
-}
-
-// Writing beyond a size fails for as long as this lives, as it does on a full disk.
-class FileSizeLimit {
- public:
-  explicit FileSizeLimit(rlim_t bytes) : mHandler(std::signal(SIGXFSZ, SIG_IGN)) {
-    ::getrlimit(RLIMIT_FSIZE, &mBefore);
-    const rlimit limited{bytes, mBefore.rlim_max};
-    ::setrlimit(RLIMIT_FSIZE, &limited);
-  }
-  ~FileSizeLimit() {
-    ::setrlimit(RLIMIT_FSIZE, &mBefore);
-    std::signal(SIGXFSZ, mHandler);
-  }
-  FileSizeLimit(const FileSizeLimit&) = delete;
-  FileSizeLimit& operator=(const FileSizeLimit&) = delete;
-
- private:
-  void (*mHandler)(int);
-  rlimit mBefore{};
-};
-
-class DrivesDAndE : public testing::Test {
- protected:
-  explicit DrivesDAndE(const std::string& type)
-      : mMachine(TwoDrives(mScratch, mTree.Root(), mOther.Root(), type)) {}
-
-  std::uint32_t Move(TextView from, TextView to, std::uint32_t flags) {
-    return mMachine.Disk().MoveFileExW(from, to, flags) ? 0 : mMachine.GetLastError();
-  }
-  std::uint32_t Delete(TextView path) {
-    return mMachine.Disk().DeleteFileW(path) ? 0 : mMachine.GetLastError();
-  }
-  // "(none)" for a missing file.
-  static std::string Bytes(const std::string& native) {
-    std::ifstream file(native, std::ios::binary);
-    if (!file) return "(none)";
-    std::stringstream bytes;
-    bytes << file.rdbuf();
-    return bytes.str();
-  }
-  std::size_t EntriesOf(const Text& folder) { return ListAll(mMachine, folder).entries.size() - 2; }
-
-  TempTree mTree;
-  TempTree mOther;
-  TempTree mScratch;
-  PosixMachine mMachine;
-};
 
 class DiskChangeTest : public DrivesDAndE, public testing::WithParamInterface<const char*> {
  protected:
@@ -278,35 +218,6 @@ TEST(FilesWithoutATrueSize, AreNotCutShort) {
   EXPECT_EQ(machine.GetLastError(), ERROR_SHARING_VIOLATION);
   EXPECT_EQ(ListAll(machine, u"E:\\").entries.size(), 2U);
 }
-
-// A server that dies in a system call, a user who stops the waiting then, and the server back
-// again. Knows when the thread that was left behind has come to its end.
-class DyingServer : public Patience {
- public:
-  using Where = std::function<bool(SystemCall call, int fd, std::string_view name)>;
-  explicit DyingServer(Where where)
-      : mHook([this, where](auto... what) { return Hang(where, what...); }) {}
-  bool KeepWaiting() override { return !mHangs; }
-  void ComeBackAndFinish() {
-    ASSERT_TRUE(mHangs);
-    mBack.set_value();
-    mGone.get_future().wait();
-  }
-
- private:
-  int Hang(const Where& where, SystemCall call, int fd, std::string_view name) {
-    if (mHangs || std::this_thread::get_id() == mMain || !where(call, fd, name)) return 0;
-    mHangs = true;
-    mGone.set_value_at_thread_exit();
-    mBack.get_future().wait();
-    return 0;
-  }
-  const std::thread::id mMain = std::this_thread::get_id();
-  std::promise<void> mBack;
-  std::promise<void> mGone;
-  std::atomic<bool> mHangs{false};
-  const SystemCallHook mHook;
-};
 
 class GivenUpChanges : public DrivesDAndE {
  protected:

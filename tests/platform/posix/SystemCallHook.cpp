@@ -20,6 +20,7 @@ template <typename... Arguments>
 int Call(SystemCall call, int fd, const char* name, long number, Arguments... arguments) {
   if (const SystemCallHook::Before* const before = current.load())
     if (const int error = (*before)(call, fd, name)) {
+      if (error == PretendDone) return 0;
       errno = error;
       return -1;
     }
@@ -59,8 +60,16 @@ int renameat(int from, const char* name, int to, const char* newName) noexcept {
   return Call(SystemCall::Renameat, from, name, SYS_renameat2, from, name, to, newName, 0);
 }
 
+int renameat2(int from, const char* name, int to, const char* newName, unsigned flags) noexcept {
+  return Call(SystemCall::Renameat2, from, name, SYS_renameat2, from, name, to, newName, flags);
+}
+
 int mkdirat(int folder, const char* name, mode_t mode) noexcept {
   return Call(SystemCall::Mkdirat, folder, name, SYS_mkdirat, folder, name, mode);
+}
+
+int chmod(const char* name, mode_t mode) noexcept {
+  return Call(SystemCall::Chmod, AT_FDCWD, name, SYS_chmod, name, mode);
 }
 
 int fsync(int file) {

@@ -9,13 +9,16 @@
 
 namespace quillmarsh::test {
 
-enum class SystemCall { Statx, Linkat, Unlinkat, Renameat, Mkdirat, Fsync };
+enum class SystemCall { Statx, Linkat, Unlinkat, Renameat, Renameat2, Mkdirat, Chmod, Fsync };
+
+// The call is not made and succeeds, as on file systems that do not do what they are told.
+inline constexpr int PretendDone = -1;
 
 // One at a time. No thread may be inside `before` when this ends.
 class SystemCallHook {
  public:
   // Gets the folder, or the file of an fsync, and the first name. Answers the errno that the call
-  // fails with, or 0 for the call to be made.
+  // fails with, 0 for the call to be made, or PretendDone.
   using Before = std::function<int(SystemCall call, int fd, std::string_view name)>;
   explicit SystemCallHook(Before before);
   ~SystemCallHook();

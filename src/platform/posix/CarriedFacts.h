@@ -1,0 +1,19 @@
+// SPDX-License-Identifier: MIT
+// What a copied file keeps besides its bytes. All of it is best effort: file systems that keep
+// less, or nothing, are no reason to refuse a copy. Functions without state; any thread may call
+// them.
+#pragma once
+
+#include <sys/stat.h>
+
+namespace quillmarsh {
+
+// Permissions and write time; where not all permissions can be had, read-only is tried alone.
+void CarryFactsOfCopy(const struct stat& source, int copy);
+
+// Of a file that is moved by copying also the owner and the group, as far as this user may give
+// them, the extended attributes with the access lists among them, and the time of the last access.
+// Whoever reads the copy through this descriptor later leaves that time alone.
+void CarryFactsOfMove(int sourceFile, const struct stat& source, int copy);
+
+}  // namespace quillmarsh
