@@ -57,16 +57,13 @@ class WritableForNow {
   std::optional<std::uint32_t> mAttributes;  // to be given back
 };
 
-// Runs an operation, and once more where access was denied for the read-only bit of `path` alone.
-// Answers a code.
-std::uint32_t TryAlsoWritable(TextView path, const std::function<bool()>& operation) {
+// Runs an operation that answers a code, and once more where access was denied for the read-only
+// bit of `path` alone. Answers a code.
+std::uint32_t TryAlsoWritable(TextView path, const std::function<std::uint32_t()>& operation) {
   WritableForNow writable(path);
   while (true) {
-    if (operation()) {
-      writable.Forget();
-      return ERROR_SUCCESS;
-    }
-    const std::uint32_t code = TheMachine().GetLastError();
+    const std::uint32_t code = operation();
+    if (code == ERROR_SUCCESS) writable.Forget();
     if (code != ERROR_ACCESS_DENIED || !writable.Take()) return code;
     DoEvents_Fast();
   }
@@ -76,10 +73,18 @@ bool IsStillThere(TextView path) {
   return TheMachine().Files().GetFileAttributesW(ToLongPath(path)) != INVALID_FILE_ATTRIBUTES;
 }
 
-// Answers a code, 5 for a file that was copied but stayed.
-std::uint32_t CodeOfMove(bool isMoved, TextView fileSpec) {
-  if (!isMoved) return TheMachine().GetLastError();
-  return IsStillThere(fileSpec) ? ERROR_ACCESS_DENIED : ERROR_SUCCESS;
+// Answers a code. Within a volume a move is a rename, and done when the system says so. To another
+// volume the file is copied, and the system says yes also when the original then could not be
+// deleted: that is no removal, and told as 5.
+std::uint32_t Move(const Text& from, const Text& to, std::uint32_t flags) {
+  DiskChange& disk = TheMachine().Disk();
+  if (disk.MoveFileExW(from, to, flags)) return ERROR_SUCCESS;
+  const std::uint32_t code = TheMachine().GetLastError();
+  if (code != ERROR_NOT_SAME_DEVICE) return code;
+  const bool isCopied = flags == 0 ? disk.MoveFileW(from, to)
+                                   : disk.MoveFileExW(from, to, flags | MOVEFILE_COPY_ALLOWED);
+  if (!isCopied) return TheMachine().GetLastError();
+  return IsStillThere(from) ? ERROR_ACCESS_DENIED : ERROR_SUCCESS;
 }
 
 }  // namespace
@@ -122,8 +127,9 @@ bool cFileRemoval::Fail(std::int32_t kind, TextView fileSpec, TextView target,
 
 bool cFileRemoval::Delete(TextView fileSpec) {
   const Text path = ToLongPath(fileSpec);
-  const std::uint32_t code =
-      TryAlsoWritable(fileSpec, [&] { return TheMachine().Disk().DeleteFileW(path); });
+  const std::uint32_t code = TryAlsoWritable(fileSpec, [&] {
+    return TheMachine().Disk().DeleteFileW(path) ? ERROR_SUCCESS : TheMachine().GetLastError();
+  });
   if (code != ERROR_SUCCESS) return Fail(log_kind::DeleteError, fileSpec, {}, code);
   AddEntry({log_kind::FileDeleted, Text(fileSpec), {}, 0, {}});
   return true;
@@ -158,18 +164,17 @@ std::uint32_t cFileRemoval::ProvideFolder(TextView folder) {
 bool cFileRemoval::MoveToDupesFolder(TextView fileSpec, TextView dupesFolder) {
   const Text newPath = dupesFolder.empty() ? Text() : PathInDupesFolder(fileSpec, dupesFolder);
   const Text folder = GetFolderPartOf(newPath);
-  const bool replaces = !newPath.empty() && FSXFileExists(newPath);
   if (const std::uint32_t code = ProvideFolder(folder))
     return Fail(log_kind::CreateFolderError, fileSpec, folder, code);
-  if (replaces && mGuard != nullptr && !mGuard->MayReplace(fileSpec, newPath))
-    return Fail(log_kind::MoveError, fileSpec, newPath, ERROR_ALREADY_EXISTS);
-  constexpr std::uint32_t overwriting = MOVEFILE_REPLACE_EXISTING | MOVEFILE_COPY_ALLOWED;
-  const auto move = [&, from = ToLongPath(fileSpec), to = ToLongPath(newPath)] {
-    DiskChange& disk = TheMachine().Disk();
-    return replaces ? disk.MoveFileExW(from, to, overwriting) : disk.MoveFileW(from, to);
-  };
-  std::uint32_t code = replaces ? TryAlsoWritable(newPath, move) : CodeOfMove(move(), fileSpec);
-  if (replaces && code == ERROR_SUCCESS) code = CodeOfMove(true, fileSpec);
+  const Text from = ToLongPath(fileSpec);
+  const Text to = ToLongPath(newPath);
+  std::uint32_t code = Move(from, to, 0);
+  // The move itself says whether something is in its place.
+  if (code == ERROR_ALREADY_EXISTS && FSXFileExists(newPath)) {
+    if (mGuard != nullptr && !mGuard->MayReplace(fileSpec, newPath))
+      return Fail(log_kind::MoveError, fileSpec, newPath, ERROR_ALREADY_EXISTS);
+    code = TryAlsoWritable(newPath, [&] { return Move(from, to, MOVEFILE_REPLACE_EXISTING); });
+  }
   if (code == ERROR_SUCCESS) {
     AddEntry({log_kind::FileMovedToDupesFolder, Text(fileSpec), newPath, 0, {}});
     return true;
@@ -183,11 +188,14 @@ bool cFileRemoval::MoveToOtherFolder(TextView fileSpec) {
   const Text name = GetFileNameOf(fileSpec);
   if (const std::uint32_t code = ProvideFolder(folder))
     return Fail(log_kind::CreateFolderError, fileSpec, folder, code);
+  const Text from = ToLongPath(fileSpec);
   Text newPath = folder + name;
-  if (FSXFileExists(newPath))
+  std::uint32_t code = Move(from, ToLongPath(newPath), 0);
+  // The move itself says whether the name is taken.
+  if (code == ERROR_ALREADY_EXISTS && FSXFileExists(newPath)) {
     newPath = ResolveNextFileNameCollision(name, folder, mLastNames[name]);
-  const bool isMoved = TheMachine().Disk().MoveFileW(ToLongPath(fileSpec), ToLongPath(newPath));
-  const std::uint32_t code = CodeOfMove(isMoved, fileSpec);
+    code = Move(from, ToLongPath(newPath), 0);
+  }
   if (code == ERROR_SUCCESS) {
     AddEntry({log_kind::FileMovedToOtherFolder, Text(fileSpec), newPath, 0, {}});
     return true;
