@@ -66,8 +66,10 @@ their bytes are compared. What has changed since the search stays, and is told.
   quillmarsh-cli remove --rule keep-oldest --method recycle --dry-run ~/Pictures ~/Backup
   quillmarsh-cli remove --match size,contents --method dupes --yes ~/Pictures
 
-Exit codes: 0 all of it was removed; 1 some files were left or could not be read; 2 bad usage or a
-refused request; 130 stopped (Ctrl+C). All that was done is in the history.)";
+One removal runs at a time. What is done is written to the history once a second and at the end.
+
+Exit codes: 0 all of it was removed, or only listed; 1 some files were left or could not be read;
+2 bad usage, a refused request or a failure; 130 stopped (Ctrl+C), behind the file under way.)";
 
 // Names an option's kind of value and nothing more; what may stand there is told in the text.
 class PlainFormatter final : public CLI::Formatter {
@@ -178,9 +180,8 @@ void AddRemovalOptions(CLI::App& app, RemoveArguments& remove) {
 // The parser takes a folder such as "[old]" for a list; "./[old]" is the same folder and a plain
 // text.
 std::vector<std::string> WithPlainFolders(const CLI::App& app, int argc, const char* const* argv) {
-  const auto commands = app.get_subcommands([&](const CLI::App* command) {
-    return argc > 1 && command->check_name(argv[1]);
-  });
+  const auto commands = app.get_subcommands(
+      [&](const CLI::App* command) { return argc > 1 && command->check_name(argv[1]); });
   const CLI::App* const command = commands.empty() ? nullptr : commands.front();
   std::vector<std::string> arguments;
   bool isValue = false;

@@ -74,11 +74,7 @@ std::optional<ExitCode> ConsoleSearch::Search() {
 void ConsoleSearch::TellPlacesNotEntered() const {
   if (!mTellsPlaces) return;
   Volumes& volumes = TheMachine().Drives();
-  const Text roots = volumes.GetLogicalDriveStringsW();
-  for (std::size_t begin = 0; begin < roots.size();) {
-    const std::size_t end = std::min(roots.find(u'\0', begin), roots.size());
-    const Text root = roots.substr(begin, end - begin);
-    begin = end + 1;
+  for (const Text& root : DriveRoots()) {
     const bool isNamed = std::find(mLocations.begin(), mLocations.end(), root) != mLocations.end();
     const Text place = volumes.ShownPath(root);
     if (isNamed || !IsBelowOneOf(place, mLocations)) continue;

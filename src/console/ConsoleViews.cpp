@@ -21,9 +21,12 @@ constexpr std::size_t kWidestLine = 79;  // characters; a longer line would wrap
 
 volatile std::sig_atomic_t stopRequested = 0;
 
+volatile std::sig_atomic_t signalsToEnd = 2;
+
 void OnStop() {
-  if (stopRequested != 0) std::_Exit(static_cast<int>(ExitCode::Stopped));
-  stopRequested = 1;
+  const std::sig_atomic_t signals = stopRequested + 1;
+  stopRequested = signals;
+  if (signals >= signalsToEnd) std::_Exit(static_cast<int>(ExitCode::Stopped));
 }
 
 extern "C" void OnStopSignal(int) {
@@ -69,6 +72,14 @@ ConsolePump::~ConsolePump() {
   if (mMachine.Process().SetConsoleCtrlHandler(nullptr)) return;
   std::signal(SIGINT, SIG_DFL);
   std::signal(SIGTERM, SIG_DFL);
+}
+
+ConsolePump::FinishingTouch::FinishingTouch() {
+  signalsToEnd = 3;
+}
+
+ConsolePump::FinishingTouch::~FinishingTouch() {
+  signalsToEnd = 2;
 }
 
 bool ConsolePump::IsStopRequested() {

@@ -31,6 +31,16 @@ class ConsolePump final : public PumpView {
   void PumpEvents() override;
   [[nodiscard]] static bool IsStopRequested();
 
+  // While it lives a second signal does not end the program: files are being changed, and what was
+  // done is still to be written down. A third one does.
+  class FinishingTouch {
+   public:
+    FinishingTouch();
+    ~FinishingTouch();
+    FinishingTouch(const FinishingTouch&) = delete;
+    FinishingTouch& operator=(const FinishingTouch&) = delete;
+  };
+
  private:
   Machine& mMachine;
 };

@@ -45,7 +45,9 @@ class FileOutput final : public ByteOutput {
     mWaiting.clear();
   }
   void Check(bool isDone) {
-    if (!isDone) mCode = TheMachine().GetLastError();
+    if (isDone) return;
+    const std::uint32_t code = TheMachine().GetLastError();
+    mCode = code != ERROR_SUCCESS ? code : ERROR_IO_DEVICE;
   }
 
   FileReplacement mFile;

@@ -13,14 +13,15 @@ namespace quillmarsh {
 namespace {
 
 constexpr const char* kLeft = "left";
+constexpr auto kFlushInterval = std::chrono::seconds(1);
 
 // What became of the file, none for a failure.
-const char* OutcomeOf(std::int32_t kind) {
-  switch (kind) {
+const char* OutcomeOf(const RemovalEntry& entry) {
+  switch (entry.kind) {
     case log_kind::FileDeleted:
       return "deleted";
     case log_kind::FileSentToRecycleBin:
-      return "trashed";
+      return entry.isDeletedForGood ? "deleted" : "trashed";
     case log_kind::FileMovedToDupesFolder:
     case log_kind::FileMovedToOtherFolder:
       return "moved";
@@ -44,13 +45,19 @@ Text ReasonOf(const RemovalEntry& entry) {
 
 }  // namespace
 
+// With the first thing that is told, so that a removal that is refused writes nothing.
 void RemovalReport::Begin() {
+  if (mHasBegun) return;
+  mHasBegun = true;
   if (mFormat == OutputFormat::Json) mOutput.Write("{\"files\":[");
   if (mFormat == OutputFormat::Csv) mOutput.Write("outcome,path,target,reason\r\n");
 }
 
 void RemovalReport::Add(const RemovalEntry& entry) {
-  if (const char* const outcome = OutcomeOf(entry.kind)) {
+  if (const char* const outcome = OutcomeOf(entry)) {
+    if (entry.isDeletedForGood)
+      AddFreeTextToLog(u"The Recycle Bin refused it, so it was deleted for good: " +
+                       TheMachine().Drives().ShownPath(entry.fileSpec));
     Write(outcome, entry.fileSpec, entry.target, {});
   } else if (entry.fileSpec != mLastLeft) {
     Write(kLeft, entry.fileSpec, {}, ReasonOf(entry));
@@ -67,11 +74,18 @@ void RemovalReport::LeftAlone(TextView fileSpec, TextView reason) {
 
 void RemovalReport::Write(const char* outcome, TextView fileSpec, TextView target,
                           TextView reason) {
+  Begin();
+  const auto now = std::chrono::steady_clock::now();
+  if (now >= mNextFlush) {
+    mNextFlush = now + kFlushInterval;
+    mOutput.Flush();
+  }
   const Volumes& volumes = TheMachine().Drives();
   const bool isLeft = outcome == kLeft;
+  const bool hasRoomForReasons = mFormat == OutputFormat::Json || mFormat == OutputFormat::Csv;
+  const std::string shown = ToUtf8(volumes.ShownPath(fileSpec));
+  if (isLeft && !hasRoomForReasons) return PrintError("left \"" + shown + "\": " + ToUtf8(reason));
   if (mFormat == OutputFormat::Plain) {
-    const std::string shown = ToUtf8(volumes.ShownPath(fileSpec));
-    if (isLeft) return PrintError("left \"" + shown + "\": " + ToUtf8(reason));
     mOutput.Write(std::string(outcome) + "  " + shown);
     if (!target.empty()) mOutput.Write(" --> " + ToUtf8(volumes.ShownPath(target)));
     return mOutput.Write("\n");
@@ -82,7 +96,7 @@ void RemovalReport::Write(const char* outcome, TextView fileSpec, TextView targe
   if (mFormat == OutputFormat::Csv)
     return mOutput.Write(std::string(outcome) + "," + CsvField(path) + "," + CsvField(newPath) +
                          "," + CsvField(ToUtf8(reason)) + "\r\n");
-  if (!isLeft) mOutput.Write(path + '\0');
+  mOutput.Write(path + '\0');
 }
 
 void RemovalReport::WriteJson(const char* outcome, const std::string& path,
@@ -96,6 +110,7 @@ void RemovalReport::WriteJson(const char* outcome, const std::string& path,
 }
 
 void RemovalReport::End(const cRemovalRun::Outcome& outcome) {
+  Begin();
   if (mFormat == OutputFormat::Json)
     mOutput.Write("],\"removed\":" + std::to_string(outcome.removedCount) +
                   ",\"removedSize\":" + std::to_string(outcome.removedSize.ToInteger()) +

@@ -4,6 +4,8 @@
 // output and the others to standard error. It counts what was left.
 #pragma once
 
+#include <chrono>
+
 #include "console/Arguments.h"
 #include "console/StandardStreams.h"
 #include "removal/RemovalEntry.h"
@@ -16,7 +18,6 @@ class RemovalReport {
   RemovalReport(OutputFormat format, bool isQuiet, StandardOutput& output)
       : mFormat(format), mIsQuiet(isQuiet), mOutput(output) {}
 
-  void Begin();
   // Each with paths in drive form. What was left alone is written to the history here; of all else
   // the removal has done so.
   void Add(const RemovalEntry& entry);
@@ -24,6 +25,7 @@ class RemovalReport {
   void End(const cRemovalRun::Outcome& outcome);
 
  private:
+  void Begin();
   void Write(const char* outcome, TextView fileSpec, TextView target, TextView reason);
   void WriteJson(const char* outcome, const std::string& path, const std::string& target,
                  const std::string& reason);
@@ -31,7 +33,10 @@ class RemovalReport {
   const OutputFormat mFormat;
   const bool mIsQuiet;
   StandardOutput& mOutput;
+  bool mHasBegun = false;
   bool mIsFirst = true;
+  // What is done is told soon, also where little of it comes at a time.
+  std::chrono::steady_clock::time_point mNextFlush{};
   Text mLastLeft;  // already told; the entry of its failure follows
 };
 

@@ -12,6 +12,7 @@
 #include "frame/ProgramFlags.h"
 #include "frame/Pump.h"
 #include "fsobjects/modPaths.h"
+#include "fsobjects/modUnicode.h"
 #include "platform/Machine.h"
 #include "removal/VerifyingGuard.h"
 #include "selection/MarkedFiles.h"
@@ -31,6 +32,12 @@ std::optional<Text> FolderFrom(const std::string& method, const std::string& nat
   const CanonicalLocation location = TheMachine().Drives().NewLocationFromNative(native);
   if (location.error != 0) {
     static_cast<void>(Refuse(method, ReasonOf(location.error)));
+    return std::nullopt;
+  }
+  const std::uint32_t attributes =
+      TheMachine().Files().GetFileAttributesW(ToLongPath(location.path));
+  if (attributes != INVALID_FILE_ATTRIBUTES && (attributes & FILE_ATTRIBUTE_DIRECTORY) == 0) {
+    static_cast<void>(Refuse(method, "it is a file, not a folder"));
     return std::nullopt;
   }
   return AddBackslash(location.path);
@@ -74,6 +81,17 @@ bool TakeMethod(RemoveArguments& arguments) {
   return true;
 }
 
+// What lies in the DUPES folder is never found, so a search in it would come to nothing.
+bool IsDupesFolderSearched(const std::vector<Text>& locations) {
+  for (const Text& location : locations) {
+    if (mDupesFolderPath.empty() || !AddBackslash(location).starts_with(mDupesFolderPath)) continue;
+    PrintError("cannot remove from \"" + ToUtf8(TheMachine().Drives().ShownPath(location)) +
+               "\": it lies in the DUPES folder or is it");
+    return true;
+  }
+  return false;
+}
+
 // No copy of a group goes as the last one by a rule that just came out that way.
 bool LeavesACopyOfEach(const cSearchResults& results, bool allowsAll) {
   const std::int32_t groups = WhollyMarkedGroupCount(results);
@@ -87,9 +105,8 @@ bool LeavesACopyOfEach(const cSearchResults& results, bool allowsAll) {
 ExitCode ListOnly(ConsoleSearch& search, const RemoveArguments& arguments) {
   const ExitCode listed = ListResults(search, arguments.search, true);
   if (listed != ExitCode::Done && listed != ExitCode::SomeFilesFailed) return listed;
-  if (!arguments.search.isQuiet)
-    PrintError(arguments.isDryRun ? "dry run: nothing was removed"
-                                  : "nothing was removed; --yes removes the selected files");
+  PrintError(arguments.isDryRun ? "dry run: nothing was removed"
+                                : "nothing was removed; --yes removes the selected files");
   return LeavesACopyOfEach(search.Results(), arguments.rule.allowsAll) ? listed : ExitCode::Refused;
 }
 
@@ -103,7 +120,6 @@ class ConsoleRemovalView final : public RemovalView {
 ExitCode Remove(ConsoleSearch& search, const RemoveArguments& arguments) {
   StandardOutput output(StandardOutput::AfterStop::Finish);
   RemovalReport report(arguments.search.format, arguments.search.isQuiet, output);
-  report.Begin();
   VerifyingGuard guard(
       search.Results(),
       arguments.isVerified ? VerifyingGuard::Checks::EverythingThatGoes
@@ -112,8 +128,13 @@ ExitCode Remove(ConsoleSearch& search, const RemoveArguments& arguments) {
   ConsoleRemovalView view;
   cRemovalRun run(search.Results(), *gDupeSettings, view, search.FilesSearched());
   gKeepWhatTheBinRefuses = !arguments.allowsPermanent;
+  const ConsolePump::FinishingTouch finishing;
   const cRemovalRun::Outcome outcome =
       run.RemoveWithoutAsking(&guard, [&report](const RemovalEntry& entry) { report.Add(entry); });
+  if (outcome.isRefused) {
+    PrintError("another removal is running; nothing was removed");
+    return ExitCode::Refused;
+  }
   report.End(outcome);
   // The files are gone, whether or not somebody could be told.
   const bool isWritten = output.Finish();
@@ -121,9 +142,10 @@ ExitCode Remove(ConsoleSearch& search, const RemoveArguments& arguments) {
     PrintError("stopped; the other files were not touched");
     return ExitCode::Stopped;
   }
-  if (outcome.isFailed || !isWritten) return ExitCode::Refused;
+  if (outcome.isFailed) return ExitCode::Refused;
   search.TellPlacesNotEntered();
-  return outcome.failedCount > 0 ? ExitCode::SomeFilesFailed : search.EndCode();
+  const bool isAllDone = outcome.failedCount == 0 && isWritten;
+  return isAllDone ? search.EndCode() : ExitCode::SomeFilesFailed;
 }
 
 }  // namespace
@@ -136,6 +158,8 @@ ExitCode RunRemove(RemoveArguments arguments, ProgramObjects& objects) {
   }
   ConsoleSearch search(objects);
   if (const auto ended = search.Run(arguments.search)) return *ended;
+  const bool toDupes = gDupeSettings->RemoveMethod() == RemoveMethod::MoveToDupesFolder;
+  if (toDupes && IsDupesFolderSearched(search.Locations())) return ExitCode::Refused;
   if (!rule.Mark(search.Results())) return ExitCode::Refused;
   if (ConsolePump::IsStopRequested()) {
     PrintError("stopped; nothing was removed");

@@ -10,8 +10,8 @@
 #include "base/ValueText.h"
 #include "console/SearchRequest.h"
 #include "console/StandardStreams.h"
-#include "fsobjects/LocaleFormats.h"
 #include "fsobjects/modPaths.h"
+#include "fsobjects/modUnicode.h"
 #include "platform/Machine.h"
 #include "selection/clsMarkForRemovalWizard.h"
 
@@ -46,13 +46,34 @@ constexpr std::array kRules = {
     Rule{"keep-largest", 15, Takes::Nothing, ""},
 };
 
+// The first drive of which the place is below a folder; empty for none. Paths of its files do not
+// begin with the folder's.
+Text DriveBelow(TextView folder) {
+  const Volumes& volumes = TheMachine().Drives();
+  const Text shown = volumes.ShownPath(AddBackslash(folder));
+  for (const Text& root : DriveRoots()) {
+    const Text place = volumes.ShownPath(root);
+    if (place.size() > shown.size() && place.starts_with(shown)) return place;
+  }
+  return {};
+}
+
+bool IsBlankMask(TextView mask) {
+  return mask.find_first_not_of(u" ;") == TextView::npos;
+}
+
 // Each answers why the value is refused, empty for taken.
 std::string TakeDrive(const std::string& value, clsMarkForRemovalWizard& options) {
   const bool isLetter = value.size() <= 3 &&
                         std::isalpha(static_cast<unsigned char>(value[0])) != 0 &&
                         std::string(":\\").starts_with(value.substr(1));
   if (isLetter) {
-    options.SetDriveSpec(Text{static_cast<char16_t>(value[0]), u':'});
+    const Text drive{static_cast<char16_t>(std::toupper(static_cast<unsigned char>(value[0]))),
+                     u':'};
+    const Text root = drive + u"\\";
+    const auto roots = DriveRoots();
+    if (std::find(roots.begin(), roots.end(), root) == roots.end()) return "there is no such drive";
+    options.SetDriveSpec(drive);
     return {};
   }
   const CanonicalLocation location = TheMachine().Drives().LocationFromNative(value);
@@ -64,6 +85,13 @@ std::string TakeDrive(const std::string& value, clsMarkForRemovalWizard& options
 std::string TakeFolder(const std::string& value, clsMarkForRemovalWizard& options) {
   const CanonicalLocation location = TheMachine().Drives().LocationFromNative(value);
   if (location.error != 0) return ReasonOf(location.error);
+  const std::uint32_t attributes =
+      TheMachine().Files().GetFileAttributesW(ToLongPath(location.path));
+  if (attributes == INVALID_FILE_ATTRIBUTES) return ReasonOf(TheMachine().GetLastError());
+  if ((attributes & FILE_ATTRIBUTE_DIRECTORY) == 0) return "it is a file, not a folder";
+  if (const Text drive = DriveBelow(location.path); !drive.empty())
+    return "\"" + ToUtf8(drive) +
+           "\" below it is another file system; name a folder that holds none";
   // With the backslash it is found in paths of this folder and of those below it, and in no others.
   options.mFolderSpec = AddBackslash(location.path);
   options.mIncludeSubFolders = true;
@@ -75,7 +103,7 @@ std::string TakeSize(const std::string& value, clsMarkForRemovalWizard& options)
   std::string unit = value.substr(unitAt);
   std::transform(unit.begin(), unit.end(), unit.begin(),
                  [](unsigned char c) { return static_cast<char>(std::toupper(c)); });
-  if (unit.ends_with('B') && unit != "B") unit.pop_back();
+  if (unit.size() == 2 && unit[0] != 'B' && unit[1] == 'B') unit.pop_back();
   static const std::array<std::string, 4> kUnits = {"B", "K", "M", "G"};
   const auto found = std::find(kUnits.begin(), kUnits.end(), unit.empty() ? "B" : unit);
   const Text number = FromUtf8(value.substr(0, unitAt));
@@ -92,7 +120,9 @@ std::string TakeSize(const std::string& value, clsMarkForRemovalWizard& options)
 
 std::string TakeDate(std::string value, clsMarkForRemovalWizard& options) {
   if (value.size() > 10 && value[10] == 'T') value[10] = ' ';
-  const auto date = DateFromText(FromUtf8(value), GetLocaleFacts());
+  // No form of a locale: a script is to mean the same day everywhere.
+  const bool isFixedForm = value.size() >= 10 && value[4] == '-' && value[7] == '-';
+  const auto date = isFixedForm ? DateFromText(FromUtf8(value), LocaleFacts()) : std::nullopt;
   if (!date) return "a date is written as 2024-01-31 or \"2024-01-31 18:30:00\"";
   options.mLastModifiedDate = *date;
   return {};
@@ -111,7 +141,7 @@ std::string TakeValue(const Rule& rule, const std::string& value,
       return TakeDate(value, options);
     case Takes::Mask:
       options.mFileMask = TheMachine().Drives().TextFromNative(value, NativeTextKind::Mask);
-      break;
+      return IsBlankMask(options.mFileMask) ? "an empty mask fits no name" : "";
     case Takes::Nothing:
       break;
   }

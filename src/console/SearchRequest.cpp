@@ -174,6 +174,17 @@ bool SetOptions(const SearchArguments& arguments, const std::vector<Text>& locat
 
 }  // namespace
 
+std::vector<Text> DriveRoots() {
+  const Text strings = TheMachine().Drives().GetLogicalDriveStringsW();
+  std::vector<Text> roots;
+  for (std::size_t begin = 0; begin < strings.size();) {
+    const std::size_t end = std::min(strings.find(u'\0', begin), strings.size());
+    roots.push_back(strings.substr(begin, end - begin));
+    begin = end + 1;
+  }
+  return roots;
+}
+
 std::string ReasonOf(std::uint32_t code) {
   std::string text = ToUtf8(GetSystemErrorText(code));
   while (!text.empty() && (text.back() == '\n' || text.back() == '\r')) text.pop_back();

@@ -14,6 +14,9 @@ namespace quillmarsh {
 // refused, which has been told.
 [[nodiscard]] std::vector<Text> TakeSearchArguments(const SearchArguments& arguments);
 
+// The roots of all drives.
+[[nodiscard]] std::vector<Text> DriveRoots();
+
 // The system's text of an error number without its line break.
 [[nodiscard]] std::string ReasonOf(std::uint32_t code);
 

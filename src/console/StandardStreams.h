@@ -21,11 +21,11 @@ class StandardOutput final : public ByteOutput {
   void Write(std::string_view bytes) override;
   // Hands everything over. False when any write failed; the first failure has been told.
   [[nodiscard]] bool Finish();
+  // Hands over what is there so far.
+  void Flush();
   [[nodiscard]] bool HasFailed() const override { return mHasFailed; }
 
  private:
-  void Flush();
-
   static constexpr std::size_t kBufferBytes = 1U << 16;
   const AfterStop mAfterStop;
   std::string mBuffer;

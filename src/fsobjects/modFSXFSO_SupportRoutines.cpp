@@ -19,6 +19,8 @@ namespace {
 constexpr TextView kUnknownError = u"An unknown error occurred";
 // Tells whoever reads a message that its number is one of the shell's.
 constexpr TextView kShellMark = u" (*SHFileOp*)";
+
+bool wasLastDeletePermanent = false;
 constexpr std::uint16_t kBinFlags = FOF_NOERRORUI | FOF_ALLOWUNDO | FOF_NOCONFIRMATION | FOF_SILENT;
 constexpr TextView kTwoNuls(u"\0\0", 2);
 
@@ -294,9 +296,14 @@ bool FSXFSO_RenameFSO(TextView path, TextView newName, bool& cancelled, std::int
   return true;
 }
 
+bool FSXFSO_WasLastDeletePermanent() {
+  return wasLastDeletePermanent;
+}
+
 bool FSXFSO_DeleteFSO(TextView path, bool& cancelled, std::int32_t& errorNumber, Text& errorMessage,
                       Text& log, bool permanently) {
   Ending ending(errorNumber, errorMessage);
+  wasLastDeletePermanent = false;
   if (cancelled || gFSOCancelled) return Cancel(cancelled);
   if (!permanently) {
     switch (SendToBin(path, ending)) {
@@ -306,8 +313,9 @@ bool FSXFSO_DeleteFSO(TextView path, bool& cancelled, std::int32_t& errorNumber,
         return Cancel(cancelled);
       case BinAnswer::Final:
         return false;
-      case BinAnswer::Refused:
-        break;  // deleted for good, as users of the window know it
+      case BinAnswer::Refused:  // deleted for good, as users of the window know it
+        wasLastDeletePermanent = true;
+        break;
     }
   }
   const Entry entry = LookAt(path);

@@ -39,6 +39,9 @@ bool FSXFSO_MoveFSO(TextView source, TextView destFolder, bool& cancelled,
 bool FSXFSO_DeleteFSO(TextView path, bool& cancelled, std::int32_t& errorNumber, Text& errorMessage,
                       Text& log, bool permanently);
 
+// Whether the last FSXFSO_DeleteFSO went on to a permanent delete because the bin refused.
+[[nodiscard]] bool FSXFSO_WasLastDeletePermanent();
+
 // In its own folder. Success leaves "0" in `errorMessage`.
 bool FSXFSO_RenameFSO(TextView path, TextView newName, bool& cancelled, std::int32_t& errorNumber,
                       Text& errorMessage);

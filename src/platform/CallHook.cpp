@@ -18,6 +18,7 @@ constexpr std::array Names = {
     "SetFilePointerEx",
     "SetEndOfFile",
     "FlushFileBuffers",
+    "LockFileEx",
     "CloseHandle",
     "GetFileAttributesW",
     "GetCompressedFileSizeW",

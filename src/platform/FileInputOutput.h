@@ -77,6 +77,11 @@ class FileInputOutput : public Role {
   [[nodiscard]] bool FlushFileBuffers(HANDLE file) {
     return Run(Operation::FlushFileBuffers, {}, false, [&] { return DoFlush(file); });
   }
+  // Locks the whole of a file for this handle alone, until it is closed or its program ends,
+  // however it ends. 33 while another handle has it locked, in this program or in another.
+  [[nodiscard]] bool LockFileEx(HANDLE file) {
+    return Run(Operation::LockFileEx, {}, false, [&] { return DoLock(file); });
+  }
   bool CloseHandle(HANDLE file) {
     return Run(Operation::CloseHandle, {}, false, [&] { return DoClose(file); });
   }
@@ -120,6 +125,7 @@ class FileInputOutput : public Role {
   virtual bool DoSetTimes(HANDLE file, const FILETIME* created, const FILETIME* accessed,
                           const FILETIME* written) = 0;
   virtual bool DoFlush(HANDLE file) = 0;
+  virtual bool DoLock(HANDLE file) = 0;
   virtual bool DoClose(HANDLE file) = 0;
   virtual std::uint32_t DoGetAttributes(TextView path) = 0;
   virtual std::uint32_t DoGetCompressedSize(TextView path, std::uint32_t& high) = 0;

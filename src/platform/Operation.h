@@ -18,6 +18,7 @@ enum class Operation : std::uint16_t {
   SetFilePointerEx,
   SetEndOfFile,
   FlushFileBuffers,
+  LockFileEx,
   CloseHandle,
   GetFileAttributesW,
   GetCompressedFileSizeW,

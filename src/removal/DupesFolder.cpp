@@ -4,6 +4,7 @@
 
 #include "base/CaseMapping.h"
 #include "base/TextEquality.h"
+#include "frame/CommandScope.h"
 #include "frame/ErrorReporting.h"
 #include "frame/Pickers.h"
 #include "frame/TextTable.h"
@@ -94,6 +95,8 @@ void ChangeDupesFolderPath(TextView newPath) {
 }
 
 void mnuOptionsDupesFolderLocation_Click() {
+  const CommandScope command;
+  if (!command.IsEntered()) return;
   Guarded(u"frmFindDuplicates.mnuOptionsDupesFolderLocation_Click", [] {
     const Text newPath = AskForNewLocation();
     if (newPath.empty()) return;
@@ -103,6 +106,8 @@ void mnuOptionsDupesFolderLocation_Click() {
 }
 
 void mnuRemovalOptions_Click(std::int32_t index, RemovalOptionsView& view) {
+  const CommandScope command;
+  if (!command.IsEntered()) return;
   Guarded(u"frmFindDuplicates.mnuRemovalOptions_Click", [&] {
     if (index < 0 || index >= kRemovalMethods) return;
     const auto method = static_cast<RemoveMethod>(index);

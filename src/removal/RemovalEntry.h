@@ -14,6 +14,8 @@ struct RemovalEntry {
   Text target;  // of a move; for a folder that could not be made, that folder
   std::uint32_t code = 0;
   Text text;  // of the code
+  // Of what the history calls sent to the Recycle Bin: the bin refused it.
+  bool isDeletedForGood = false;
 };
 
 using RemovalListener = std::function<void(const RemovalEntry&)>;

@@ -12,6 +12,8 @@
 #include "fsobjects/FileTransfers.h"
 #include "fsobjects/Handles.h"
 #include "fsobjects/RecordDates.h"
+#include "fsobjects/modPaths.h"
+#include "fsobjects/modShlWAPI.h"
 #include "fsobjects/modUnicode.h"
 
 namespace quillmarsh {
@@ -78,6 +80,10 @@ HANDLE OpenToRead(const Text& path) {
                                           FILE_FLAG_SEQUENTIAL_SCAN);
 }
 
+bool IsRemote(const Text& path) {
+  return TheMachine().Drives().GetDriveTypeW(AddBackslash(StripToRoot(path))) == DRIVE_REMOTE;
+}
+
 // One entry that is reached by two paths, as when a server's folder is mounted twice, would be its
 // own duplicate. A second link to a file is none: what is left of it keeps the contents.
 bool AreOneEntry(const Text& path, const Text& other) {
@@ -97,15 +103,19 @@ bool AreOneEntry(const Text& path, const Text& other) {
       !TheMachine().Files().GetFileInformationByHandle(here.Get(), a) ||
       !TheMachine().Files().GetFileInformationByHandle(there.Get(), b))
     return false;
-  return a.nFileIndexHigh == b.nFileIndexHigh && a.nFileIndexLow == b.nFileIndexLow &&
-         a.nNumberOfLinks <= 1;
+  // One folder of a server that is mounted twice may show as two volumes; two disks of one kind may
+  // number their files alike.
+  const bool isOneVolume =
+      a.dwVolumeSerialNumber == b.dwVolumeSerialNumber || IsRemote(path) || IsRemote(other);
+  return isOneVolume && a.nFileIndexHigh == b.nFileIndexHigh &&
+         a.nFileIndexLow == b.nFileIndexLow && a.nNumberOfLinks <= 1;
 }
 
 // Empty where both have the same bytes.
 Text WhyNotSameBytes(const Text& path, const Text& other) {
   const RedirectionOff redirection;
   const FileHandle here(OpenToRead(path));
-  if (!here.IsValid()) return u"it cannot be read: " + ReasonOfLastError();
+  if (!here.IsValid()) return u"this file cannot be read: " + ReasonOfLastError();
   const FileHandle there(OpenToRead(other));
   if (!there.IsValid()) return u"the other file cannot be read: " + ReasonOfLastError();
   std::vector<std::byte> first(kBlockBytes);
@@ -116,7 +126,7 @@ Text WhyNotSameBytes(const Text& path, const Text& other) {
     std::size_t gotFirst = 0;
     std::size_t gotSecond = 0;
     if (!ReadFully(here.Get(), first, gotFirst))
-      return u"it cannot be read: " + ReasonOfLastError();
+      return u"this file cannot be read: " + ReasonOfLastError();
     if (!ReadFully(there.Get(), second, gotSecond))
       return u"the other file cannot be read: " + ReasonOfLastError();
     if (gotFirst != gotSecond || std::memcmp(first.data(), second.data(), gotFirst) != 0)
@@ -155,15 +165,18 @@ Text VerifyingGuard::WhyNotRemoved(std::int32_t group, std::int32_t record) {
   FindKeepers(group);
   if (!mHasKeepers) return {};
   Text reason = u"no copy that stays is still what the search saw";
-  for (auto keeper = mKeepers.begin(); keeper != mKeepers.end();) {
-    const DupeFileUDT& kept = mResults.Record(*keeper);
+  for (std::size_t place = 0; place < mKeepers.size();) {
+    DoEvents_Fast();
+    if (gUserAbort) return u"the look at its copies was stopped";
+    const DupeFileUDT& kept = mResults.Record(mKeepers[place]);
     if (!WhyNotAsSeen(mResults.FullPathOf(kept), kept).empty()) {
-      keeper = mKeepers.erase(keeper);
+      mKeepers[place] = mKeepers.back();
+      mKeepers.pop_back();
       continue;
     }
-    reason = WhyNotCopyOf(fileSpec, *keeper);
-    if (reason.empty() || gUserAbort) return reason;
-    ++keeper;
+    reason = WhyNotCopyOf(fileSpec, mKeepers[place]);
+    if (reason.empty()) return reason;
+    ++place;
   }
   return reason;
 }
@@ -177,9 +190,10 @@ bool VerifyingGuard::MayRemove(std::int32_t group, std::int32_t record) {
 }
 
 bool VerifyingGuard::MayReplace(TextView fileSpec, TextView existing) {
-  if (WhyNotSameBytes(Text(fileSpec), Text(existing)).empty()) return true;
-  mTeller(fileSpec, u"a file with other contents is in its place: \"" +
-                        TheMachine().Drives().ShownPath(existing) + u"\"");
+  const Text reason = WhyNotSameBytes(Text(fileSpec), Text(existing));
+  if (reason.empty()) return true;
+  mTeller(fileSpec, u"another file is in its place, \"" +
+                        TheMachine().Drives().ShownPath(existing) + u"\", and " + reason);
   return false;
 }
 

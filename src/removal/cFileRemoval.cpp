@@ -11,6 +11,7 @@
 #include "fsobjects/CreateFolderTree.h"
 #include "fsobjects/Handles.h"
 #include "fsobjects/cFSXFileSystemObject.h"
+#include "fsobjects/modFSXFSO_SupportRoutines.h"
 #include "fsobjects/modPaths.h"
 #include "fsobjects/modShlWAPI.h"
 #include "fsobjects/modUnicode.h"
@@ -73,6 +74,13 @@ bool IsStillThere(TextView path) {
   return TheMachine().Files().GetFileAttributesW(ToLongPath(path)) != INVALID_FILE_ATTRIBUTES;
 }
 
+// Asked without the final backslash but for a root: with it, a file that stands in the way would be
+// an unusual failure, and reported for each file that cannot go there.
+bool IsFolderThere(TextView folder) {
+  const Text asked = IsRootPath(folder) ? Text(folder) : RemoveBackslash(folder);
+  return cFSXFileSystemObject().FolderExists(asked, false);
+}
+
 // Answers a code. Within a volume a move is a rename, and done when the system says so. To another
 // volume the file is copied, and the system says yes also when the original then could not be
 // deleted: that is no removal, and told as 5.
@@ -93,7 +101,7 @@ void cFileRemoval::RemoveFile(TextView fileSpec, TextView dupesFolder, bool& res
   const bool isDone = Guarded(u"frmFindDuplicates.RemoveFile()", [&] {
     const RedirectionOff redirection;
     result = true;
-    switch (mSettings.RemoveMethod()) {
+    switch (mMethod) {
       case RemoveMethod::Delete:
         result = Delete(fileSpec);
         break;
@@ -140,7 +148,12 @@ bool cFileRemoval::Recycle(TextView fileSpec) {
   Text errorText;
   const bool isSent = SendFileToRecycleBin(fileSpec, errorNumber, errorText);
   if (isSent)
-    AddEntry({log_kind::FileSentToRecycleBin, Text(fileSpec), {}, 0, {}});
+    AddEntry({log_kind::FileSentToRecycleBin,
+              Text(fileSpec),
+              {},
+              0,
+              {},
+              FSXFSO_WasLastDeletePermanent()});
   else
     AddEntry({log_kind::DeleteError,
               Text(fileSpec),
@@ -155,7 +168,7 @@ std::uint32_t cFileRemoval::ProvideFolder(TextView folder) {
   if (folder.empty()) return ERROR_PATH_NOT_FOUND;
   if (folder == mProvidedFolder) return ERROR_SUCCESS;
   std::uint32_t code = 0;
-  if (!FSXFolderExists(folder) && !CreateFolderTree(folder, code))
+  if (!IsFolderThere(folder) && !CreateFolderTree(folder, code))
     return code != 0 ? code : ERROR_PATH_NOT_FOUND;
   mProvidedFolder = folder;
   return ERROR_SUCCESS;
@@ -184,7 +197,7 @@ bool cFileRemoval::MoveToDupesFolder(TextView fileSpec, TextView dupesFolder) {
 }
 
 bool cFileRemoval::MoveToOtherFolder(TextView fileSpec) {
-  const Text folder = mSettings.UserDefinedMoveFolderPath();
+  const Text& folder = mOtherFolder;
   const Text name = GetFileNameOf(fileSpec);
   if (const std::uint32_t code = ProvideFolder(folder))
     return Fail(log_kind::CreateFolderError, fileSpec, folder, code);

@@ -14,9 +14,13 @@ namespace quillmarsh {
 
 class cFileRemoval {
  public:
-  // Guard and listener may be null. Neither settings nor guard is owned.
+  // The method and its folder are those of this moment: what somebody chooses while files are being
+  // removed is for the next time. Guard and listener may be null; the guard is not owned.
   cFileRemoval(const clsDupeSettings& settings, RemovalGuard* guard, RemovalListener listener)
-      : mSettings(settings), mGuard(guard), mListener(std::move(listener)) {}
+      : mMethod(settings.RemoveMethod()),
+        mOtherFolder(settings.UserDefinedMoveFolderPath()),
+        mGuard(guard),
+        mListener(std::move(listener)) {}
 
   // `result` true: the file is gone from its place. False: it is where it was. Also true, with
   // nothing done, for a method number that has no meaning. `dupesFolder` with a final backslash.
@@ -35,7 +39,8 @@ class cFileRemoval {
   // A code; makes the folder when it is missing.
   [[nodiscard]] std::uint32_t ProvideFolder(TextView folder);
 
-  const clsDupeSettings& mSettings;
+  const quillmarsh::RemoveMethod mMethod;
+  const Text mOtherFolder;
   RemovalGuard* const mGuard;
   const RemovalListener mListener;
   Text mProvidedFolder;  // was there when it was looked at last

@@ -3,6 +3,7 @@
 #include "removal/cRemovalRun.h"
 
 #include <algorithm>
+#include <chrono>
 
 #include "base/LocaleFormat.h"
 #include "frame/CommandScope.h"
@@ -13,6 +14,7 @@
 #include "frame/Views.h"
 #include "fsobjects/LocaleFormats.h"
 #include "fsobjects/modShlWAPI.h"
+#include "removal/RemovalLock.h"
 #include "removal/cFileRemoval.h"
 #include "removal/history/cLog.h"
 #include "selection/MarkedFiles.h"
@@ -26,6 +28,7 @@ namespace {
 
 constexpr TextView kSource = u"frmFindDuplicates.RemoveMarkedFilesAllGroups";
 constexpr TextView kLineBreak = u"\r\n";
+constexpr auto kSaveInterval = std::chrono::seconds(1);
 
 void WriteHistory() {
   AddToLog(log_kind::EndRemoval);
@@ -37,12 +40,17 @@ void WriteHistory() {
 }  // namespace
 
 struct cRemovalRun::Walk {
-  Mode mode = Mode::Files;
+  Walk(Mode walkMode, const clsDupeSettings& settings, RemovalGuard* walkGuard,
+       RemovalListener listener)
+      : mode(walkMode), removal(settings, walkGuard, std::move(listener)), guard(walkGuard) {}
+
+  const Mode mode;
   Text dupesFolder;
   cFileRemoval removal;
-  RemovalGuard* guard = nullptr;
+  RemovalGuard* const guard;
   std::int32_t scannedCount = 0;
   Outcome outcome;
+  std::chrono::steady_clock::time_point nextSave = std::chrono::steady_clock::now() + kSaveInterval;
 };
 
 void cRemovalRun::GetMarkedCount(std::int32_t& count) const {
@@ -72,7 +80,7 @@ void cRemovalRun::GetRemovalMethodDescription(Text& text) const {
 
 void cRemovalRun::RemoveMarkedFilesAllGroups(bool listOnly) {
   if (listOnly) {
-    Walk walk{Mode::ListOnly, {}, {mSettings, nullptr, {}}, nullptr, 0, {}};
+    Walk walk(Mode::ListOnly, mSettings, nullptr, {});
     Guarded(kSource, [&] { RemoveMarked(walk); });
     Close();
     return;
@@ -82,7 +90,13 @@ void cRemovalRun::RemoveMarkedFilesAllGroups(bool listOnly) {
   // A stop of an earlier search is none of this one, also where something has to be waited for.
   gUserAbort = false;
   const StoppablePart stoppable;
-  Walk walk{Mode::Files, {}, {mSettings, nullptr, {}}, nullptr, 0, {}};
+  const RemovalLock lock;
+  if (lock.IsHeldByAnother()) {
+    ShowMessageBox({u"Another removal is running.  Please try again when it has ended.",
+                    LoadResString(377), MessageBoxIcon::Exclamation});
+    return;
+  }
+  Walk walk(Mode::Files, mSettings, nullptr, {});
   std::int32_t confirmedCount = 0;
   walk.outcome.isFailed = !Guarded(kSource, [&] {
     walk.dupesFolder = GetDupesFolderPath();
@@ -97,9 +111,14 @@ void cRemovalRun::RemoveMarkedFilesAllGroups(bool listOnly) {
 cRemovalRun::Outcome cRemovalRun::RemoveWithoutAsking(RemovalGuard* guard,
                                                       RemovalListener listener) {
   const CommandScope command;
-  if (!command.IsEntered()) return {};
   const StoppablePart stoppable;
-  Walk walk{Mode::Files, {}, {mSettings, guard, std::move(listener)}, guard, 0, {}};
+  const RemovalLock lock;
+  if (!command.IsEntered() || lock.IsHeldByAnother()) {
+    Outcome refused;
+    refused.isRefused = true;
+    return refused;
+  }
+  Walk walk(Mode::Files, mSettings, guard, std::move(listener));
   walk.outcome.isFailed = !Guarded(kSource, [&] {
     walk.dupesFolder = GetDupesFolderPath();
     RemoveMarked(walk);
@@ -173,16 +192,18 @@ void cRemovalRun::RemoveMarked(Walk& walk) {
   });
 }
 
+bool cRemovalRun::EndByStop(Walk& walk) {
+  AddToLog(log_kind::UserCancelled);
+  walk.outcome.isStopped = true;
+  return false;
+}
+
 bool cRemovalRun::RemoveFromGroup(Walk& walk, std::int32_t group) {
   const std::vector<std::int32_t> members = mResults.MembersOf(group);
   auto remainingInGroup = static_cast<std::int32_t>(members.size());
   for (const std::int32_t record : members) {
     DoEvents_Fast();
-    if (gUserAbort) {
-      AddToLog(log_kind::UserCancelled);
-      walk.outcome.isStopped = true;
-      return false;
-    }
+    if (gUserAbort) return EndByStop(walk);
     walk.scannedCount += 1;
     if (gViews.status != nullptr) gViews.status->SetProgress(walk.scannedCount);
     if (!mResults.mFileMarked[static_cast<std::size_t>(record) - 1]) continue;
@@ -193,6 +214,8 @@ bool cRemovalRun::RemoveFromGroup(Walk& walk, std::int32_t group) {
     }
     if (!isRemoved) {
       walk.outcome.failedCount += 1;
+      // A stop while the guard compared is what left the file.
+      if (gUserAbort && walk.guard != nullptr) return EndByStop(walk);
       continue;
     }
     walk.outcome.removedCount += 1;
@@ -201,8 +224,19 @@ bool cRemovalRun::RemoveFromGroup(Walk& walk, std::int32_t group) {
       walk.outcome.removedSize = Currency::SaturatingSum(walk.outcome.removedSize, size);
     remainingInGroup -= 1;
     TakeOutOfGroup(group, record, remainingInGroup);
+    SaveHistoryIfDue(walk);
   }
   return true;
+}
+
+// Nobody else knows where a moved file came from: a program that is killed loses no more than the
+// entries of the last moment.
+void cRemovalRun::SaveHistoryIfDue(Walk& walk) {
+  const auto now = std::chrono::steady_clock::now();
+  if (gLog == nullptr || now < walk.nextSave) return;
+  walk.nextSave = now + kSaveInterval;
+  gLog->AppendInMemoryStringToLogFile();
+  gLog->ResetInMemoryLog();
 }
 
 // A group of which one file is left is none any more: it goes as a whole, and what is removed of it

@@ -21,7 +21,8 @@ class cRemovalRun {
     Currency removedSize;  // bytes, of files whose size is known
     std::int32_t failedCount = 0;
     bool isStopped = false;
-    bool isFailed = false;  // by what was reported as an error of the program
+    bool isRefused = false;  // another removal is running; nothing was done
+    bool isFailed = false;   // by what was reported as an error of the program
   };
 
   // `filesSearched` is shown in the status at the end. Nothing is owned.
@@ -52,6 +53,8 @@ class cRemovalRun {
   void RemoveMarked(Walk& walk);
   // False when the user stopped it.
   [[nodiscard]] bool RemoveFromGroup(Walk& walk, std::int32_t group);
+  [[nodiscard]] static bool EndByStop(Walk& walk);
+  static void SaveHistoryIfDue(Walk& walk);
   void TakeOutOfGroup(std::int32_t group, std::int32_t record, std::int32_t remainingInGroup);
   void Close();
   void TellEnd(const Outcome& outcome, std::int32_t confirmedCount) const;

@@ -341,9 +341,9 @@ TEST_F(Guard, WhatLiesInTheDupesFolderGivesWayOnlyToItsLike) {
   const Text dupes = Text(kDupesFolder) + u"[C DRIVE]\\data\\1\\";
   program->machine.AddFile(dupes + u"a", "others");
   program->machine.AddFile(dupes + u"c", std::string(program->machine.ContentsOf(PathOf(u"1\\c"))));
-  EXPECT_EQ(
-      RemoveGuarded(RemoveMethod::MoveToDupesFolder),
-      Strings{"1\\a: a file with other contents is in its place: \"" + ToUtf8(dupes) + "a\""});
+  EXPECT_EQ(RemoveGuarded(RemoveMethod::MoveToDupesFolder),
+            Strings{"1\\a: another file is in its place, \"" + ToUtf8(dupes) +
+                    "a\", and the contents differ"});
   EXPECT_EQ(program->machine.ContentsOf(dupes + u"a"), "others");
   EXPECT_TRUE(Exists(u"1\\a"));
   EXPECT_FALSE(Exists(u"1\\c"));

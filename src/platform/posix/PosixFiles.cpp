@@ -3,6 +3,7 @@
 #include "platform/posix/PosixFiles.h"
 
 #include <fcntl.h>
+#include <sys/file.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -292,6 +293,17 @@ bool PosixFiles::DoFlush(HANDLE handle) {
   char nothing = 0;
   const std::uint32_t error = mContext.Run(file->answers, nothing, [fd = file->fd](char&) {
     return ::fsync(fd->Get()) == 0 ? ERROR_SUCCESS : SystemErrorFromErrno(errno);
+  });
+  return error == 0 || Fail(error, false);
+}
+
+bool PosixFiles::DoLock(HANDLE handle) {
+  const OpenFile* const file = mFiles.Find(handle);
+  if (file == nullptr) return Fail(ERROR_INVALID_HANDLE, false);
+  char nothing = 0;
+  const std::uint32_t error = mContext.Run(file->answers, nothing, [fd = file->fd](char&) {
+    if (::flock(fd->Get(), LOCK_EX | LOCK_NB) == 0) return ERROR_SUCCESS;
+    return errno == EWOULDBLOCK ? ERROR_LOCK_VIOLATION : SystemErrorFromErrno(errno);
   });
   return error == 0 || Fail(error, false);
 }

@@ -211,6 +211,17 @@ bool SimulatedFiles::DoFlush(HANDLE file) {
   return canWrite || Fail(ERROR_ACCESS_DENIED, false);
 }
 
+bool SimulatedFiles::DoLock(HANDLE file) {
+  OpenFile* const open = Opened(file);
+  if (open == nullptr) return false;
+  const bool isTaken = std::ranges::any_of(mWorld->files, [&](const auto& entry) {
+    return entry.second.node == open->node && entry.second.isLocked;
+  });
+  if (isTaken) return Fail(ERROR_LOCK_VIOLATION, false);
+  open->isLocked = true;
+  return true;
+}
+
 bool SimulatedFiles::DoClose(HANDLE file) {
   if (mWorld->files.erase(file) == 0) return Fail(ERROR_INVALID_HANDLE, false);
   return true;

@@ -42,6 +42,7 @@ class SimulatedFiles final : public FileInputOutput {
   bool DoSetTimes(HANDLE file, const FILETIME* created, const FILETIME* accessed,
                   const FILETIME* written) override;
   bool DoFlush(HANDLE file) override;
+  bool DoLock(HANDLE file) override;
   bool DoClose(HANDLE file) override;
   std::uint32_t DoGetAttributes(TextView path) override;
   std::uint32_t DoGetCompressedSize(TextView path, std::uint32_t& high) override;
