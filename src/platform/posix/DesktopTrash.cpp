@@ -15,6 +15,7 @@
 
 #include "platform/posix/ErrnoCodes.h"
 #include "platform/posix/FileCopying.h"
+#include "platform/posix/FileOpening.h"
 #include "platform/posix/TrashEntry.h"
 #include "platform/posix/TrashPlaces.h"
 
@@ -69,6 +70,15 @@ struct Trashing {
     isThere = now.IsSameFileAs(source);
     return 0;
   }
+  // A look may tell what was remembered; whoever opens a file has it.
+  [[nodiscard]] bool CanOpenSource() const {
+    FolderEntry now = source;
+    OpenedFile opened;
+    const OpenRequest reading{GENERIC_READ, OPEN_EXISTING, 0};
+    if (OpenFileAt(folders.Resolver(), request.source, reading, opened) != 0) return false;
+    now.entry.facts = opened.facts;
+    return now.IsSameFileAs(source) && opened.facts.stx_nlink > 0;
+  }
 };
 
 // What a note under a free name is followed by. Answers a code; 183 when the name is taken among
@@ -107,10 +117,8 @@ std::uint32_t BringByCopy(const Trashing& trashing, const FolderEntry& target, T
     if (code != ERROR_ALREADY_EXISTS && LookFor(target) != ENOENT) note.Keep();
     return code;
   }
-  bool isThere = false;
-  const bool hasStayed = trashing.LookForSource(isThere) == 0 && isThere;
-  if (!hasStayed) return CheckArrival(trashing, target, note);
-  // It has changed meanwhile, or would not go: then the copy is one too many.
+  // Where the source has changed meanwhile, or would not go, the copy is one too many.
+  if (!trashing.CanOpenSource()) return CheckArrival(trashing, target, note);
   const int error =
       trashing.permit.Use([&] { return ::unlinkat(target.folder.Get(), target.name.c_str(), 0); });
   if (error != 0) note.Keep();

@@ -8,9 +8,10 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <cctype>
 #include <cstdlib>
+#include <ctime>
 #include <filesystem>
-#include <regex>
 
 #include "platform/posix/DyingServer.h"
 #include "platform/posix/NameMapping.h"
@@ -39,13 +40,18 @@ std::vector<std::string> NamesIn(const std::string& folder) {
 
 // The path that a note gives, decoded; "(none)" where there is no good note.
 std::string PathInNote(const std::string& trash, const std::string& name) {
-  static const std::regex form(
-      "\\[Trash Info\\]\nPath=([A-Za-z0-9/._~%-]*)\n"
-      "DeletionDate=\\d{4}-\\d\\d-\\d\\dT\\d\\d:\\d\\d:\\d\\d\n");
+  constexpr std::string_view begin = "[Trash Info]\nPath=";
   const std::string note = ReadNative(trash + "/info/" + name + ".trashinfo");
-  std::smatch parts;
-  if (!std::regex_match(note, parts, form)) return "(none)";
-  const std::string encoded = parts[1];
+  const std::size_t end = std::min(note.find("\nDeletionDate="), note.size());
+  std::tm moment{};
+  const char* const rest = ::strptime(note.c_str() + end, "%nDeletionDate=%Y-%m-%dT%T%n", &moment);
+  if (!note.starts_with(begin) || rest == nullptr || *rest != '\0') return "(none)";
+  const std::string encoded = note.substr(begin.size(), end - begin.size());
+  const bool isPlain = std::ranges::all_of(encoded, [](unsigned char c) {
+    return std::isalnum(c) != 0 ||
+           std::string_view("/-_.~%").find(static_cast<char>(c)) != std::string_view::npos;
+  });
+  if (!isPlain) return "(none)";
   std::string path;
   for (std::size_t i = 0; i < encoded.size(); ++i) {
     const bool isByte = encoded[i] == '%';
@@ -255,6 +261,29 @@ TEST_F(TrashTest, WhatItsVolumeCannotTakeIsCopiedIntoTheHomeTrash) {
             std::filesystem::perms{0440});
 }
 
+// The source is deleted, but the server's answer is lost and an old look is remembered.
+TEST_F(TrashTest, ACopyGoesAgainOnlyWhereTheSourceCanBeOpened) {
+  for (const bool isDeleted : {true, false}) {
+    PosixMachine machine(Options(Home::OnE));
+    mTree.File(OwnTrash);  // in the way
+    mTree.File("file", "bytes");
+    bool hasFailed = false;
+    const SystemCallHook hook([&](SystemCall call, int, std::string_view name) {
+      if (name != "file") return 0;
+      if (call == SystemCall::Statx && hasFailed) return PretendDone;
+      if (call != SystemCall::Unlinkat || hasFailed) return 0;
+      hasFailed = true;
+      if (isDeleted) ::unlink(mTree.At("file").c_str());
+      return EIO;
+    });
+    EXPECT_EQ(Recycle(machine, u"D:\\file"), DE_ACCESSDENIEDSRC);
+    EXPECT_EQ(PathInNote(HomeTrash(Home::OnE), "file"), isDeleted ? mTree.At("file") : "(none)");
+    EXPECT_EQ(ReadNative(HomeTrash(Home::OnE) + "/files/file"), isDeleted ? "bytes" : "");
+    std::filesystem::remove_all(HomeTrash(Home::OnE));
+  }
+  EXPECT_TRUE(IsThere("file"));
+}
+
 TEST_F(TrashTest, AnInnerVolumeBelowTheSameLetterTakesTheNextWay) {
   PosixMachine machine(Options(Home::OnD));
   mTree.File("file", "bytes");
@@ -315,9 +344,9 @@ TEST_F(TrashTest, AFolderThatLetsNothingGoKeepsItsFiles) {
   ::chmod(mTree.Folder("sticky").c_str(), 01777);
   mTree.File("sticky/file", "bytes");
   const PosixOptions options = Options(Home::None);
+  const bool ownsAll = ::getuid() != 0;  // then the sticky bit keeps nothing
   const std::string outcome = AsOrdinaryUser([&] {
     PosixMachine machine(options);
-    const bool ownsAll = ::getuid() != 65534;  // then the sticky bit keeps nothing
     const bool isKept = Recycle(machine, u"D:\\shut\\file") == DE_ACCESSDENIEDSRC &&
                         (ownsAll || Recycle(machine, u"D:\\sticky\\file") == DE_ACCESSDENIEDSRC);
     return std::string(isKept ? "" : "it went");
