@@ -238,6 +238,23 @@ class Commands(Case):
                 self.assertIn(told, self.call("remove", "--yes", *arguments, self.tree, code=2)[1])
         self.assertTrue(all(map(os.path.exists, copies)))
 
+    def test_two_removals_at_once_leave_a_copy_of_everything(self):
+        for i in range(1500):
+            self.make(f"tree/a/{i}")
+            self.make(f"tree/b/{i}", days_old=1)
+        both = [subprocess.Popen([oracle.PROGRAM, "remove", "--yes", "--rule", rule, "--method", "delete",
+                                  self.tree], stdin=subprocess.DEVNULL, stdout=subprocess.DEVNULL,
+                                 stderr=subprocess.PIPE) for rule in ("keep-newest", "keep-oldest")]
+        codes = []
+        for process in both:
+            told = process.communicate(timeout=120)[1]
+            codes.append(process.returncode)
+            if process.returncode == 2:
+                self.assertIn(b"another removal is running", told)
+        self.assertIn(0, codes)
+        left = set(os.listdir(self.tree + "/a")) | set(os.listdir(self.tree + "/b"))
+        self.assertEqual(len(left), 1500)
+
     def test_a_stop_ends_behind_a_file_and_is_in_the_history(self):
         for i in range(3000):
             self.make(f"tree/a/{i}")

@@ -177,6 +177,7 @@ TEST_F(RemovalRun, AFileThatCannotGoStaysMarkedInItsGroup) {
       "Duplicate removal is complete.  Some files were not removed due to errors.    View the "
       "History Log for details.");
   EXPECT_EQ(Kinds(), "2 4 8 3");
+  EXPECT_EQ(program->MarkedPaths(), std::set<Text>{PathOf(u"1\\c")});
   EXPECT_EQ(Totals(), "6 files, 120 bytes, groups: [1,2,3] [] [6,7,8]");
   EXPECT_TRUE(Exists(u"1\\c"));
 
@@ -329,6 +330,14 @@ TEST_F(Guard, BytesAreComparedWhereContentsWereACriterion) {
   EXPECT_EQ(RemoveGuarded(RemoveMethod::Delete),
             Strings{"1\\b: the contents differ; it was compared with \"C:\\data\\2\\b\""});
   SimulatedMachine& machine = program->machine;
+  const HANDLE held = machine.HoldOpen(PathOf(u"2\\b"), 0);
+  const Strings told = RemoveGuarded(RemoveMethod::Delete);
+  ASSERT_EQ(told.size(), 1U);
+  EXPECT_TRUE(told[0].starts_with("1\\b: the other file cannot be read: ")) << told[0];
+  machine.LetGo(held);
+  program->hook.RunBefore({Operation::ReadFile, 1}, [] { gUserAbort = true; });
+  RemoveGuarded(RemoveMethod::Delete);
+  EXPECT_TRUE(mOutcome.isStopped && Exists(u"1\\b"));
   const SimulatedFacts facts = machine.FactsOf(PathOf(u"2\\b"));
   machine.SetContents(PathOf(u"2\\b"), std::string(machine.ContentsOf(PathOf(u"1\\b"))));
   machine.SetTimes(PathOf(u"2\\b"), facts.created, facts.accessed, facts.written);
