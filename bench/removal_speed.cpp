@@ -32,26 +32,6 @@ using Clock = std::chrono::steady_clock;
 constexpr int kFilesInFolder = 400;
 constexpr int kRounds = 3;
 
-class SilentView final : public SearchView, public RemovalView {
- public:
-  explicit SilentView(Text location) : mLocation(std::move(location)) {}
-  std::vector<Text> GetSelectedFolderPaths() override { return {mLocation}; }
-  void DisableUIForSearch() override {}
-  void EnableUIAfterSearch() override {}
-  void SetGroupColumnCaption(TextView) override {}
-  void StartAnimation() override {}
-  void StopAnimation() override {}
-  void CheckKeepNewestRule(bool) override {}
-  void ShowResultsView() override {}
-  void ShowSearchSummary(const SearchSummary&) override {}
-  void DisableUIForRemoval() override {}
-  void EnableUIAfterRemoval() override {}
-  std::int32_t ShowRemovalWarning() override { return kRemovalWarningContinue; }
-
- private:
-  Text mLocation;
-};
-
 std::string FolderOf(int file) {
   return "folder " + std::to_string(file / kFilesInFolder);
 }
@@ -96,14 +76,15 @@ double RemoveAll(PosixMachine& machine, const fs::path& tree, const fs::path& du
   fs::create_directories(dupes);
   mDupesFolderPath = AddBackslash(machine.Drives().NewLocationFromNative(dupes.string()).path);
   cSearchResults results;
-  SilentView view(machine.Drives().LocationFromNative(tree.string()).path);
+  QuietSearchView view({machine.Drives().LocationFromNative(tree.string()).path});
+  QuietRemovalView removalView;
   if (cSearchSession(results, *gDupeSettings, view).FindDuplicateFiles() != SearchOutcome::Complete)
     std::exit(2);
   const Text dup = AddBackslash(machine.Drives().LocationFromNative((tree / "dup").string()).path);
   for (std::int32_t record = 1; record <= results.RecordCount(); ++record)
     results.mFileMarked[static_cast<std::size_t>(record) - 1] =
         results.FullPathOf(results.Record(record)).starts_with(dup);
-  cRemovalRun run(results, *gDupeSettings, view, 0);
+  cRemovalRun run(results, *gDupeSettings, removalView, 0);
   const auto begin = Clock::now();
   const auto outcome = run.RemoveWithoutAsking(nullptr, {});
   const double seconds = Seconds(begin);

@@ -48,7 +48,7 @@ std::optional<ExitCode> ConsoleSearch::Run(const SearchArguments& arguments) {
 }
 
 std::optional<ExitCode> ConsoleSearch::Search() {
-  ConsoleSearchView view(mLocations);
+  QuietSearchView view(mLocations);
   cSearchSession session(mResults, *gDupeSettings, view);
   SearchOutcome outcome = session.FindDuplicateFiles();
   mFilesSearched = session.FilesSearched();

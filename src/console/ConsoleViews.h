@@ -9,7 +9,6 @@
 
 #include "frame/Views.h"
 #include "platform/Machine.h"
-#include "search/SearchView.h"
 
 namespace quillmarsh {
 
@@ -67,25 +66,6 @@ class ConsoleProgress final : public StatusView {
   Text mDetail;
   Text mFiles;
   std::chrono::steady_clock::time_point mNextDue{};
-};
-
-// Nothing of what the window shows, but the locations.
-class ConsoleSearchView final : public SearchView {
- public:
-  explicit ConsoleSearchView(std::vector<Text> locations) : mLocations(std::move(locations)) {}
-
-  [[nodiscard]] std::vector<Text> GetSelectedFolderPaths() override { return mLocations; }
-  void DisableUIForSearch() override {}
-  void EnableUIAfterSearch() override {}
-  void SetGroupColumnCaption(TextView) override {}
-  void StartAnimation() override {}
-  void StopAnimation() override {}
-  void CheckKeepNewestRule(bool) override {}
-  void ShowResultsView() override {}
-  void ShowSearchSummary(const SearchSummary&) override {}
-
- private:
-  std::vector<Text> mLocations;
 };
 
 }  // namespace quillmarsh

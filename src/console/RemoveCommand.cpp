@@ -110,13 +110,6 @@ ExitCode ListOnly(ConsoleSearch& search, const RemoveArguments& arguments) {
   return LeavesACopyOfEach(search.Results(), arguments.rule.allowsAll) ? listed : ExitCode::Refused;
 }
 
-class ConsoleRemovalView final : public RemovalView {
- public:
-  void DisableUIForRemoval() override {}
-  void EnableUIAfterRemoval() override {}
-  std::int32_t ShowRemovalWarning() override { return kRemovalWarningContinue; }
-};
-
 ExitCode Remove(ConsoleSearch& search, const RemoveArguments& arguments) {
   StandardOutput output(StandardOutput::AfterStop::Finish);
   RemovalReport report(arguments.search.format, arguments.search.isQuiet, output);
@@ -125,7 +118,7 @@ ExitCode Remove(ConsoleSearch& search, const RemoveArguments& arguments) {
       arguments.isVerified ? VerifyingGuard::Checks::EverythingThatGoes
                            : VerifyingGuard::Checks::ReplacementsOnly,
       [&report](TextView fileSpec, TextView reason) { report.LeftAlone(fileSpec, reason); });
-  ConsoleRemovalView view;
+  QuietRemovalView view;
   cRemovalRun run(search.Results(), *gDupeSettings, view, search.FilesSearched());
   gKeepWhatTheBinRefuses = !arguments.allowsPermanent;
   const ConsolePump::FinishingTouch finishing;

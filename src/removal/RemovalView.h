@@ -22,6 +22,14 @@ class RemovalView {
   [[nodiscard]] virtual std::int32_t ShowRemovalWarning() = 0;
 };
 
+// Of a program that shows nothing and asks nothing.
+class QuietRemovalView final : public RemovalView {
+ public:
+  void DisableUIForRemoval() override {}
+  void EnableUIAfterRemoval() override {}
+  std::int32_t ShowRemovalWarning() override { return kRemovalWarningContinue; }
+};
+
 // The last answer of the removal guidelines.
 extern std::int32_t gRemovalWarningResult;
 

@@ -4,6 +4,7 @@
 #pragma once
 
 #include <cstdint>
+#include <utility>
 #include <vector>
 
 #include "base/Currency.h"
@@ -38,6 +39,25 @@ class SearchView {
   virtual void CheckKeepNewestRule(bool clearOthers) = 0;
   virtual void ShowResultsView() = 0;
   virtual void ShowSearchSummary(const SearchSummary& summary) = 0;
+};
+
+// Of a program that shows nothing of it: the locations alone.
+class QuietSearchView final : public SearchView {
+ public:
+  explicit QuietSearchView(std::vector<Text> locations) : mLocations(std::move(locations)) {}
+
+  [[nodiscard]] std::vector<Text> GetSelectedFolderPaths() override { return mLocations; }
+  void DisableUIForSearch() override {}
+  void EnableUIAfterSearch() override {}
+  void SetGroupColumnCaption(TextView) override {}
+  void StartAnimation() override {}
+  void StopAnimation() override {}
+  void CheckKeepNewestRule(bool) override {}
+  void ShowResultsView() override {}
+  void ShowSearchSummary(const SearchSummary&) override {}
+
+ private:
+  std::vector<Text> mLocations;
 };
 
 }  // namespace quillmarsh

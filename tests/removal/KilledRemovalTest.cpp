@@ -49,30 +49,6 @@ class EndAfter final : public CallHook {
   int mLeft;
 };
 
-class SilentSearchView final : public SearchView {
- public:
-  explicit SilentSearchView(Text location) : mLocation(std::move(location)) {}
-  std::vector<Text> GetSelectedFolderPaths() override { return {mLocation}; }
-  void DisableUIForSearch() override {}
-  void EnableUIAfterSearch() override {}
-  void SetGroupColumnCaption(TextView) override {}
-  void StartAnimation() override {}
-  void StopAnimation() override {}
-  void CheckKeepNewestRule(bool) override {}
-  void ShowResultsView() override {}
-  void ShowSearchSummary(const SearchSummary&) override {}
-
- private:
-  Text mLocation;
-};
-
-class SilentRemovalView final : public RemovalView {
- public:
-  void DisableUIForRemoval() override {}
-  void EnableUIAfterRemoval() override {}
-  std::int32_t ShowRemovalWarning() override { return kRemovalWarningContinue; }
-};
-
 // tree/keep/N and tree/dup/N for each N, the same names and sizes and contents of their own, so
 // that each file is known wherever it is found; all in dup are to go.
 class Ground {
@@ -140,14 +116,14 @@ void Ground::SearchAndRemove(RemoveMethod method, CallHook* hook, int ready) con
       AddBackslash(machine.Drives().NewLocationFromNative((mTarget / "dupes").string()).path);
 
   cSearchResults results;
-  SilentSearchView view(machine.Drives().LocationFromNative(mTree.string()).path);
+  QuietSearchView view({machine.Drives().LocationFromNative(mTree.string()).path});
   if (cSearchSession(results, settings, view).FindDuplicateFiles() != SearchOutcome::Complete)
     ::_exit(1);
   const Text dup = AddBackslash(machine.Drives().LocationFromNative((mTree / "dup").string()).path);
   for (std::int32_t record = 1; record <= results.RecordCount(); ++record)
     results.mFileMarked[static_cast<std::size_t>(record) - 1] =
         results.FullPathOf(results.Record(record)).starts_with(dup);
-  SilentRemovalView removalView;
+  QuietRemovalView removalView;
   machine.SetHook(hook);
   if (ready >= 0 && ::write(ready, "r", 1) != 1) ::_exit(1);
   const auto outcome =
