@@ -100,6 +100,18 @@ std::vector<Call> CallsOf(RemoveMethod method) {
   return calls;
 }
 
+// A failure is told as one of the method, with a number and its text.
+void ExpectPrescribedErrors(const std::vector<RemovalEntry>& entries, RemoveMethod method) {
+  const bool isMove =
+      method == RemoveMethod::MoveToDupesFolder || method == RemoveMethod::MoveToOtherFolder;
+  for (const RemovalEntry& entry : entries) {
+    if (entry.kind < log_kind::DeleteError) continue;
+    EXPECT_EQ(entry.kind != log_kind::DeleteError, isMove) << "kind " << entry.kind;
+    EXPECT_NE(entry.code, 0U);
+    EXPECT_FALSE(entry.text.empty());
+  }
+}
+
 TEST(RemovalSafety, EachOperationMayFailWithEachCode) {
   constexpr std::uint32_t codes[] = {
       ERROR_FILE_NOT_FOUND, ERROR_PATH_NOT_FOUND, ERROR_ACCESS_DENIED,     ERROR_WRITE_PROTECT,
@@ -122,6 +134,7 @@ TEST(RemovalSafety, EachOperationMayFailWithEachCode) {
         EXPECT_FALSE(outcome.isFailed);
         EXPECT_EQ(program.entries.size(), 2U);
         EXPECT_TRUE(program.machine.Exists(u"D:\\data\\a.txt"));
+        ExpectPrescribedErrors(program.entries, method);
         program.ExpectNothingLost(before, marked);
         runs += 1;
         if (testing::Test::HasFailure()) return;
