@@ -186,10 +186,6 @@ void cRemovalRun::RemoveMarked(Walk& walk) {
   for (std::int32_t position = 0; position < list.Count(); ++position) {
     if (!RemoveFromGroup(walk, list.ItemData(position))) break;
   }
-  // Only now, in one pass: the walk goes by positions.
-  mResults.ulvwDupeGroups.RemoveIf([this](std::int32_t group) {
-    return mResults.mGroupFileCount[static_cast<std::size_t>(group) - 1] == 0;
-  });
 }
 
 bool cRemovalRun::EndByStop(Walk& walk) {
@@ -262,8 +258,13 @@ void cRemovalRun::TakeOutOfGroup(std::int32_t group, std::int32_t record,
   mResults.TakeOut(group, record);
 }
 
+// Reached on every way, also after a No and after a failure in the middle.
 void cRemovalRun::Close() {
   Guarded(kSource, [&] {
+    // Only now, in one pass: the walk goes by positions.
+    mResults.ulvwDupeGroups.RemoveIf([this](std::int32_t group) {
+      return mResults.mGroupFileCount[static_cast<std::size_t>(group) - 1] == 0;
+    });
     if (gViews.status != nullptr) gViews.status->HideProgress();
     const LocaleFacts& locale = GetLocaleFacts();
     SetPanel(FILES_SEARCHED,
