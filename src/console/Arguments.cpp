@@ -34,7 +34,8 @@ Rules (the default is keep-newest; --rule takes one):
   newest, oldest, smallest, largest
       one file of each group is selected
   keep-newest, keep-oldest, keep-smallest, keep-largest
-      all but one file of each group are selected
+      all but one file of each group are selected; the newest is the one that was changed last, of
+      several the one that was created last, of several the first of the group
   drive=D, not-drive=D
       the files on a drive, by its letter or any path on it
   folder=P, not-folder=P
@@ -57,7 +58,7 @@ Methods:
   dupes[=FOLDER]      into the DUPES folder, below the path that they came from
   move=FOLDER         into a folder, under a new name where theirs is taken
 
-Without --yes nothing is removed where standard input is a terminal; the list of what would be
+Without --yes nothing is removed on a terminal (standard input or output is one); the list of what would be
 removed is shown instead, as with --dry-run. Rules are those of "quillmarsh-cli select --help".
 
 Before a file goes, it and a copy that stays are looked at once more; with contents among --match

@@ -37,7 +37,7 @@ void ConsoleLog::Add(std::int32_t kind, TextView spareText, TextView fileSpec, T
 void ConsoleLog::TellOfLostBatch() {
   const std::uint32_t code = TheMachine().GetLastError();
   // A user without a home has no place for one.
-  if (GetIniFileFolder().empty() || std::exchange(mIsLossTold, true)) return;
+  if (GetIniFileFolder().empty() || std::exchange(mIsHistoryLost, true)) return;
   PrintError("the history could not be written: " +
              ToUtf8(WithoutLineBreak(GetSystemErrorText(code))));
 }

@@ -13,14 +13,15 @@ class ConsoleLog final : public cLog {
            std::int32_t errorNumber, TextView errorText, TextView customText,
            bool& result) override;
 
-  // The search goes on; that its record is lost is told once and is no error of the search.
+  // Told once. It is no error of a search; a removal that nobody has a record of is not done well.
   void TellOfLostBatch() override;
 
   [[nodiscard]] std::int64_t ErrorCount() const { return mErrorCount; }
+  [[nodiscard]] bool IsHistoryLost() const { return mIsHistoryLost; }
 
  private:
   std::int64_t mErrorCount = 0;
-  bool mIsLossTold = false;
+  bool mIsHistoryLost = false;
 };
 
 }  // namespace quillmarsh

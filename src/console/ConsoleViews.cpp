@@ -6,6 +6,7 @@
 #include <csignal>
 #include <cstdio>
 #include <cstdlib>
+#include <utility>
 
 #include "console/ExitCodes.h"
 #include "console/StandardStreams.h"
@@ -21,7 +22,9 @@ constexpr std::size_t kWidestLine = 79;  // characters; a longer line would wrap
 
 volatile std::sig_atomic_t stopRequested = 0;
 
-volatile std::sig_atomic_t signalsToEnd = 2;
+constexpr std::sig_atomic_t kSignalsToEnd = 2;
+volatile std::sig_atomic_t signalsToEnd = kSignalsToEnd;
+bool isWaitTold = false;
 
 void OnStop() {
   const std::sig_atomic_t signals = stopRequested + 1;
@@ -75,11 +78,11 @@ ConsolePump::~ConsolePump() {
 }
 
 ConsolePump::FinishingTouch::FinishingTouch() {
-  signalsToEnd = 3;
+  signalsToEnd = kSignalsToEnd + 1;
 }
 
 ConsolePump::FinishingTouch::~FinishingTouch() {
-  signalsToEnd = 2;
+  signalsToEnd = kSignalsToEnd;
 }
 
 bool ConsolePump::IsStopRequested() {
@@ -88,6 +91,8 @@ bool ConsolePump::IsStopRequested() {
 
 void ConsolePump::PumpEvents() {
   if (stopRequested == 0) return;
+  if (signalsToEnd > kSignalsToEnd && !std::exchange(isWaitTold, true))
+    PrintError("stopping behind the file that is under way");
   gUserAbort = true;
   gStopCRC = true;
 }

@@ -5,6 +5,7 @@
 #include "console/ResultsWriters.h"
 #include "console/SearchRequest.h"
 #include "console/StandardStreams.h"
+#include "fsobjects/modPaths.h"
 #include "fsobjects/modUnicode.h"
 #include "platform/AtomicFiles.h"
 #include "platform/Machine.h"
@@ -75,7 +76,21 @@ bool ExportFile::Take(const std::string& native) {
   return !isFolder || Refuse(mPath, ERROR_ACCESS_DENIED);
 }
 
+bool ExportFile::IsOneOf(const cSearchResults& results) const {
+  const Text name = GetFileNameOf(mPath);
+  for (std::int32_t record = 1; record <= results.RecordCount(); ++record) {
+    const DupeFileUDT& file = results.Record(record);
+    if (results.NameOf(file) == name && results.FullPathOf(file) == mPath) return true;
+  }
+  return false;
+}
+
 ExitCode ExportFile::Write(ConsoleSearch& search, OutputFormat format) const {
+  if (IsOneOf(search.Results())) {
+    PrintError("cannot write \"" + ToUtf8(TheMachine().Drives().ShownPath(mPath)) +
+               "\": it is one of the files that were searched");
+    return ExitCode::Refused;
+  }
   if (format == OutputFormat::Plain) {
     const std::uint32_t code =
         WriteDuplicatesList(mPath, {search.Results(), *gDupeSettings, search.Locations()});

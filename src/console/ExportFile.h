@@ -15,6 +15,7 @@ class ExportFile {
   [[nodiscard]] ExitCode Write(ConsoleSearch& search, OutputFormat format) const;
 
  private:
+  [[nodiscard]] bool IsOneOf(const cSearchResults& results) const;
   Text mPath;  // drive form
 };
 

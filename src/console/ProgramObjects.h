@@ -22,6 +22,7 @@ class ProgramObjects {
   [[nodiscard]] bool IsUsable() const { return mIsUsable; }
   // What could not be read, and what else went wrong and was told, so far.
   [[nodiscard]] std::int64_t ErrorCount() const { return mLog->ErrorCount() + mMessages.Count(); }
+  [[nodiscard]] bool IsHistoryLost() const { return mLog->IsHistoryLost(); }
   // Shows progress from now on, until EndProgress.
   void BeginProgress(bool isTerminal);
   void EndProgress();

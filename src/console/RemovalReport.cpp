@@ -4,6 +4,7 @@
 
 #include "base/LocaleFormat.h"
 #include "console/OutputTexts.h"
+#include "frame/ProgramFlags.h"
 #include "fsobjects/LocaleFormats.h"
 #include "fsobjects/modShlWAPI.h"
 #include "platform/Machine.h"
@@ -37,6 +38,10 @@ std::string Counted(std::int64_t count) {
 Text ReasonOf(const RemovalEntry& entry) {
   Text reason = entry.text;
   while (reason.ends_with(u'\n') || reason.ends_with(u'\r')) reason.pop_back();
+  constexpr TextView shellMark = u" (*SHFileOp*)";
+  if (reason.ends_with(shellMark))
+    return u"the trash refused it: " + reason.substr(0, reason.size() - shellMark.size()) + u" (" +
+           DecimalText(std::int64_t{entry.code}) + u"); --allow-permanent deletes it for good";
   if (entry.kind == log_kind::CreateFolderError)
     reason = u"the folder \"" + TheMachine().Drives().ShownPath(entry.target) +
              u"\" cannot be made: " + reason;
@@ -80,6 +85,8 @@ void RemovalReport::Write(const char* outcome, TextView fileSpec, TextView targe
     mNextFlush = now + kFlushInterval;
     mOutput.Flush();
   }
+  // Whoever was to read this has gone, or the disk is full: nothing goes without being told.
+  if (mOutput.HasFailed()) gUserAbort = true;
   const Volumes& volumes = TheMachine().Drives();
   const bool isLeft = outcome == kLeft;
   const bool hasRoomForReasons = mFormat == OutputFormat::Json || mFormat == OutputFormat::Csv;

@@ -102,6 +102,12 @@ bool LeavesACopyOfEach(const cSearchResults& results, bool allowsAll) {
   return false;
 }
 
+// With a redirected input the output may still be a terminal, and somebody before it.
+bool IsPersonThere() {
+  Modules& process = TheMachine().Process();
+  return process.IsConsole(StandardStream::Input) || process.IsConsole(StandardStream::Output);
+}
+
 ExitCode ListOnly(ConsoleSearch& search, const RemoveArguments& arguments) {
   const ExitCode listed = ListResults(search, arguments.search, true);
   if (listed != ExitCode::Done && listed != ExitCode::SomeFilesFailed) return listed;
@@ -110,7 +116,8 @@ ExitCode ListOnly(ConsoleSearch& search, const RemoveArguments& arguments) {
   return LeavesACopyOfEach(search.Results(), arguments.rule.allowsAll) ? listed : ExitCode::Refused;
 }
 
-ExitCode Remove(ConsoleSearch& search, const RemoveArguments& arguments) {
+ExitCode Remove(ConsoleSearch& search, const RemoveArguments& arguments,
+                const ProgramObjects& objects) {
   StandardOutput output(StandardOutput::AfterStop::Finish);
   RemovalReport report(arguments.search.format, arguments.search.isQuiet, output);
   VerifyingGuard guard(
@@ -129,15 +136,17 @@ ExitCode Remove(ConsoleSearch& search, const RemoveArguments& arguments) {
     return ExitCode::Refused;
   }
   report.End(outcome);
-  // The files are gone, whether or not somebody could be told.
-  const bool isWritten = output.Finish();
+  if (!output.Finish()) {
+    PrintError("nothing more was removed, since it could not be told; see the history");
+    return ExitCode::Refused;
+  }
   if (outcome.isStopped) {
     PrintError("stopped; the other files were not touched");
     return ExitCode::Stopped;
   }
   if (outcome.isFailed) return ExitCode::Refused;
   search.TellPlacesNotEntered();
-  const bool isAllDone = outcome.failedCount == 0 && isWritten;
+  const bool isAllDone = outcome.failedCount == 0 && !objects.IsHistoryLost();
   return isAllDone ? search.EndCode() : ExitCode::SomeFilesFailed;
 }
 
@@ -158,11 +167,13 @@ ExitCode RunRemove(RemoveArguments arguments, ProgramObjects& objects) {
     PrintError("stopped; nothing was removed");
     return ExitCode::Stopped;
   }
-  const bool asksFirst =
-      !arguments.isAgreed && TheMachine().Process().IsConsole(StandardStream::Input);
+  const bool asksFirst = !arguments.isAgreed && IsPersonThere();
+  if (!arguments.search.isQuiet && !search.Results().mCriteria.contentsMatch &&
+      search.Results().mGroupCount > 0)
+    PrintError("contents were not compared; add them to --match for files that are alike for sure");
   if (arguments.isDryRun || asksFirst) return ListOnly(search, arguments);
   if (!LeavesACopyOfEach(search.Results(), arguments.rule.allowsAll)) return ExitCode::Refused;
-  return Remove(search, arguments);
+  return Remove(search, arguments, objects);
 }
 
 }  // namespace quillmarsh

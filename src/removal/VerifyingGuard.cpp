@@ -185,6 +185,7 @@ bool VerifyingGuard::MayRemove(std::int32_t group, std::int32_t record) {
   if (mChecks == Checks::ReplacementsOnly) return true;
   const Text reason = WhyNotRemoved(group, record);
   if (reason.empty()) return true;
+  if (gUserAbort) return false;
   mTeller(mResults.FullPathOf(mResults.Record(record)), reason);
   return false;
 }

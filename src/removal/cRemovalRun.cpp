@@ -90,7 +90,7 @@ void cRemovalRun::RemoveMarkedFilesAllGroups(bool listOnly) {
   // A stop of an earlier search is none of this one, also where something has to be waited for.
   gUserAbort = false;
   const StoppablePart stoppable;
-  const RemovalLock lock;
+  const RemovalLock lock(mResults);
   if (lock.IsHeldByAnother()) {
     ShowMessageBox({u"Another removal is running.  Please try again when it has ended.",
                     LoadResString(377), MessageBoxIcon::Exclamation});
@@ -112,7 +112,7 @@ cRemovalRun::Outcome cRemovalRun::RemoveWithoutAsking(RemovalGuard* guard,
                                                       RemovalListener listener) {
   const CommandScope command;
   const StoppablePart stoppable;
-  const RemovalLock lock;
+  const RemovalLock lock(mResults);
   if (!command.IsEntered() || lock.IsHeldByAnother()) {
     Outcome refused;
     refused.isRefused = true;
@@ -204,14 +204,14 @@ bool cRemovalRun::RemoveFromGroup(Walk& walk, std::int32_t group) {
     if (gViews.status != nullptr) gViews.status->SetProgress(walk.scannedCount);
     if (!mResults.mFileMarked[static_cast<std::size_t>(record) - 1]) continue;
     bool isRemoved = walk.guard == nullptr || walk.guard->MayRemove(group, record);
+    // A stop while the guard compares leaves the file as one that was not reached.
+    if (!isRemoved && gUserAbort) return EndByStop(walk);
     if (isRemoved && walk.mode == Mode::Files) {
       const Text fileSpec = mResults.FullPathOf(mResults.Record(record));
       walk.removal.RemoveFile(fileSpec, walk.dupesFolder, isRemoved);
     }
     if (!isRemoved) {
       walk.outcome.failedCount += 1;
-      // A stop while the guard compared is what left the file.
-      if (gUserAbort && walk.guard != nullptr) return EndByStop(walk);
       continue;
     }
     walk.outcome.removedCount += 1;

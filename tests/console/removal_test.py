@@ -214,6 +214,8 @@ class Commands(Case):
             self.assertEqual(json.load(file)["duplicates"], 3)
         self.call("export", "--output", self.folder + "/none/report.txt", self.tree, code=2)
         self.call("export", "--output", self.tree, self.tree, code=2)
+        told = self.call("export", "--output", self.tree + "/new/a.txt", self.tree, code=2)[1]
+        self.assertIn("it is one of the files that were searched", told)
 
     def test_mistakes_are_told_and_change_nothing(self):
         copies = self.make_copies()
@@ -238,13 +240,26 @@ class Commands(Case):
                 self.assertIn(told, self.call("remove", "--yes", *arguments, self.tree, code=2)[1])
         self.assertTrue(all(map(os.path.exists, copies)))
 
+    def test_nothing_goes_when_nobody_can_be_told(self):
+        for i in range(3000):
+            self.make(f"tree/a/{i}")
+            self.make(f"tree/b/{i}")
+        with open("/dev/full", "w", encoding="utf-8") as full:
+            done = subprocess.run([oracle.PROGRAM, "remove", "--yes", "--method", "delete", self.tree],
+                                  stdin=subprocess.DEVNULL, stdout=full, stderr=subprocess.PIPE)
+        self.assertEqual(done.returncode, 2, done.stderr)
+        self.assertGreater(len(os.listdir(self.tree + "/a")) + len(os.listdir(self.tree + "/b")), 4000)
+
     def test_two_removals_at_once_leave_a_copy_of_everything(self):
         for i in range(1500):
             self.make(f"tree/a/{i}")
             self.make(f"tree/b/{i}", days_old=1)
+        # Of two users, who have no data folder in common.
         both = [subprocess.Popen([oracle.PROGRAM, "remove", "--yes", "--rule", rule, "--method", "delete",
                                   self.tree], stdin=subprocess.DEVNULL, stdout=subprocess.DEVNULL,
-                                 stderr=subprocess.PIPE) for rule in ("keep-newest", "keep-oldest")]
+                                 stderr=subprocess.PIPE,
+                                 env={**os.environ, "XDG_DATA_HOME": f"{self.folder}/data of {rule}"})
+                for rule in ("keep-newest", "keep-oldest")]
         codes = []
         for process in both:
             told = process.communicate(timeout=120)[1]

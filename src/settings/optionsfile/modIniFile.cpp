@@ -155,7 +155,7 @@ void ReadDupesFolderPath(Section& section) {
   Text stored = section.Read(u"DUPESFolderPath");
   // By hand a path is written as the machine's own programs write it.
   const bool isNative = stored.starts_with(u'/');
-  if (isNative) stored = TheMachine().Drives().LocationFromNative(ToUtf8(stored)).path;
+  if (isNative) stored = TheMachine().Drives().NewLocationFromNative(ToUtf8(stored)).path;
   mDupesFolderPath = AddBackslash(stored);
   static_cast<void>(GetDupesFolderPath());
 }
