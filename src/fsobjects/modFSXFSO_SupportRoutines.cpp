@@ -255,9 +255,12 @@ BinAnswer SendToBin(TextView path, Ending& ending) {
   }
   if (code == 0) return BinAnswer::Sent;
   static_cast<void>(ending.ShellFailure(code));
-  // Given up because a person asked to stop or the disk did not answer; it may have happened.
-  const bool isGivenUp = code == static_cast<std::int32_t>(ERROR_OPERATION_ABORTED);
-  return isGivenUp || gKeepWhatTheBinRefuses ? BinAnswer::Final : BinAnswer::Refused;
+  // Given up because a person asked to stop or the disk did not answer; it may have happened. And
+  // what this program ran out of says nothing about the bin.
+  const auto is = [code](std::uint32_t other) { return code == static_cast<std::int32_t>(other); };
+  const bool isNoRefusal =
+      is(ERROR_OPERATION_ABORTED) || is(ERROR_TOO_MANY_OPEN_FILES) || is(ERROR_NOT_ENOUGH_MEMORY);
+  return isNoRefusal || gKeepWhatTheBinRefuses ? BinAnswer::Final : BinAnswer::Refused;
 }
 
 bool DeleteJunction(TextView path, Ending& ending, const Call& call, bool permanently) {

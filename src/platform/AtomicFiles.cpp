@@ -57,13 +57,11 @@ bool MayBeWritten(Machine& machine, TextView path) {
   return file.IsValid() || machine.GetLastError() == ERROR_FILE_NOT_FOUND;
 }
 
-// The new file must be deletable while it is open, should its closing fail.
 HANDLE MakeBeside(Machine& machine, TextView path, Text& name) {
   HANDLE file = INVALID_HANDLE;
   for (int attempt = 0; attempt < kMostNames && file == INVALID_HANDLE; ++attempt) {
     name = NameBeside(path);
-    file = machine.Files().CreateFileW(name, GENERIC_WRITE, FILE_SHARE_DELETE, CREATE_NEW,
-                                       FILE_ATTRIBUTE_NORMAL);
+    file = machine.Files().CreateSuccessor(name, path);
     if (file == INVALID_HANDLE && machine.GetLastError() != ERROR_FILE_EXISTS) break;
   }
   return file;

@@ -32,6 +32,12 @@ class FileInputOutput : public Role {
     return Run(Operation::CreateFileW, path, INVALID_HANDLE,
                [&] { return DoCreateFile(path, access, share, disposition, flags); });
   }
+  // CreateFileW of a new file that is written to and then moved over `replaced`. Where that is
+  // there and a move over it would lose its permissions, the new file begins with them.
+  [[nodiscard]] HANDLE CreateSuccessor(TextView path, TextView replaced) {
+    return Run(Operation::CreateFileW, path, INVALID_HANDLE,
+               [&] { return DoCreateSuccessor(path, replaced); });
+  }
   [[nodiscard]] bool GetFileInformationByHandle(HANDLE file,
                                                 BY_HANDLE_FILE_INFORMATION& information) {
     return Run(Operation::GetFileInformationByHandle, {}, false,
@@ -111,6 +117,10 @@ class FileInputOutput : public Role {
  private:
   virtual HANDLE DoCreateFile(TextView path, std::uint32_t access, std::uint32_t share,
                               std::uint32_t disposition, std::uint32_t flags) = 0;
+  virtual HANDLE DoCreateSuccessor(TextView path, TextView /*replaced*/) {
+    // It must be deletable while it is open, should its closing fail.
+    return DoCreateFile(path, GENERIC_WRITE, FILE_SHARE_DELETE, CREATE_NEW, FILE_ATTRIBUTE_NORMAL);
+  }
   virtual void DoReadAhead(TextView /*path*/) {}
   virtual void DoDropReadAhead() {}
   virtual bool DoGetInformation(HANDLE file, BY_HANDLE_FILE_INFORMATION& information) = 0;

@@ -9,8 +9,7 @@
 #include <cerrno>
 #include <cstdint>
 #include <memory>
-
-#include "platform/SystemConstants.h"
+#include <utility>
 
 namespace quillmarsh {
 
@@ -42,14 +41,28 @@ class ChangePermit {
   std::atomic<State> mState{State::Free};
 };
 
+// Withdraws a permit at its own end, also when something is raised: whoever stops waiting for a
+// job, however that happens, has given it up. A job that has ended needs no permit any more.
+class EndOfPermit {
+ public:
+  explicit EndOfPermit(std::shared_ptr<ChangePermit> permit) : mPermit(std::move(permit)) {}
+  ~EndOfPermit() {
+    if (mPermit != nullptr) mPermit->Withdraw();
+  }
+  EndOfPermit(const EndOfPermit&) = delete;
+  EndOfPermit& operator=(const EndOfPermit&) = delete;
+
+ private:
+  const std::shared_ptr<ChangePermit> mPermit;
+};
+
 // `run` runs one job with a permit of its own and answers a code; the permit ends when the job is
 // given up, before anybody hears of the 995.
 template <typename Runner>
 [[nodiscard]] std::uint32_t WithPermit(const Runner& run) {
   const auto permit = std::make_shared<ChangePermit>();
-  const std::uint32_t error = run(permit);
-  if (error == ERROR_OPERATION_ABORTED) permit->Withdraw();
-  return error;
+  const EndOfPermit end(permit);
+  return run(permit);
 }
 
 }  // namespace quillmarsh

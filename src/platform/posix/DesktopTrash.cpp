@@ -23,6 +23,7 @@ namespace quillmarsh {
 namespace {
 
 constexpr long LongestName = 255;
+constexpr int HeldOnly = O_PATH | O_NOFOLLOW | O_CLOEXEC;
 
 // 0, or the code with which the source's folder lets nothing go. Asked beforehand, so that nothing
 // is copied in vain.
@@ -107,10 +108,19 @@ std::uint32_t BringByRename(const Trashing& trashing, const FolderEntry& target,
 }
 
 std::uint32_t BringByCopy(const Trashing& trashing, const FolderEntry& target, TrashNote& note) {
+  // Held open, so that a file that is made under the old name cannot get the old number.
+  FolderEntry held = trashing.source;
+  const UniqueFd file(::openat(held.folder.Get(), held.name.c_str(), HeldOnly));
+  if (!file) return SystemErrorFromErrno(errno);
+  if (::statx(file.Get(), "", AT_EMPTY_PATH, FactsWanted, &held.entry.facts) != 0)
+    return SystemErrorFromErrno(errno);
+  if (!held.IsSameFileAs(trashing.source)) return ERROR_SHARING_VIOLATION;
   CopyRequest copy;
   copy.source = trashing.request.source;
   copy.target = trashing.request.home;
-  copy.target.path.relative += "/files/" + target.name;
+  std::string& path = copy.target.path.relative;
+  path = JoinRelative(JoinRelative(path, "files"), target.name);
+  copy.target.path.endsInBackslash = false;  // a trash that is a whole drive does
   copy.codeIfExists = ERROR_ALREADY_EXISTS;
   const std::uint32_t code = MoveByCopy(trashing.folders, copy, trashing.permit);
   if (code != ERROR_SUCCESS) {

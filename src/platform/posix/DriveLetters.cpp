@@ -5,6 +5,7 @@
 
 #include <dirent.h>
 #include <fcntl.h>
+#include <poll.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -15,7 +16,6 @@
 
 #include "platform/posix/LetterMemory.h"
 #include "platform/posix/NameMapping.h"
-#include "platform/posix/UniqueFd.h"
 
 namespace quillmarsh {
 namespace {
@@ -167,13 +167,22 @@ std::optional<Text> DriveTable::DriveForm(std::string_view native) const {
 }
 
 DriveLetters::DriveLetters(Sources sources)
-    : mSources(std::move(sources)), mCurrent(std::make_shared<DriveTable>()) {
+    : mSources(std::move(sources)),
+      mWatched(::open(mSources.mountInfoFile.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK)),
+      mCurrent(std::make_shared<DriveTable>()) {
   Refresh();
 }
 
 std::shared_ptr<const DriveTable> DriveLetters::Current() const {
   const std::lock_guard lock(mMutex);
   return mCurrent;
+}
+
+// The question takes the event back, so a change during the reading shows in the next one. A list
+// that is a plain file tells none.
+void DriveLetters::RefreshIfChanged() {
+  pollfd watched{mWatched.Get(), POLLPRI, 0};
+  if (::poll(&watched, 1, 0) > 0 && (watched.revents & (POLLPRI | POLLERR)) != 0) Refresh();
 }
 
 void DriveLetters::Refresh() {

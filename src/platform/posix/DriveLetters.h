@@ -14,6 +14,7 @@
 #include "base/Text.h"
 #include "platform/posix/FileSystemKinds.h"
 #include "platform/posix/MountTable.h"
+#include "platform/posix/UniqueFd.h"
 
 namespace quillmarsh {
 
@@ -57,6 +58,8 @@ class DriveLetters {
   [[nodiscard]] std::shared_ptr<const DriveTable> Current() const;
   // Looks whether the mounts have changed. A snapshot that was handed out stays as it was.
   void Refresh();
+  // The same where the system tells that they have. It costs one short system call.
+  void RefreshIfChanged();
 
  private:
   using Memory = std::map<char, std::string>;  // letter to identity
@@ -65,6 +68,7 @@ class DriveLetters {
   [[nodiscard]] char LetterFor(const std::string& identity, const DriveTable& table);
 
   const Sources mSources;
+  const UniqueFd mWatched;  // the mount list, open for its events
   std::string mMountInfo;
   Memory mMemory;
   mutable std::mutex mMutex;  // guards mCurrent

@@ -182,7 +182,7 @@ std::uint32_t FillTemporary(const Copying& copying, const TemporaryFile& tempora
   if (copying.sourceGoes)
     CarryFactsOfMove(copying.file.fd.Get(), copying.facts, temporary.Fd());
   else
-    CarryFactsOfCopy(copying.facts, temporary.Fd());
+    CarryFactsOfCopy(copying.file.fd.Get(), copying.facts, temporary.Fd());
   if (::fsync(temporary.Fd()) != 0) return SystemErrorFromErrno(errno);
   if (copying.sourceGoes)
     if (const std::uint32_t code = Compare(copying, temporary.Fd(), permit, size)) return code;
@@ -277,8 +277,11 @@ std::uint32_t MoveByCopy(OpenFolders& folders, const CopyRequest& request, Chang
   Copying copying;
   copying.sourceGoes = true;
   if (const auto error = Copy(folders, request, permit, copying)) return error;
-  // Until the new name is on the disk for sure, the old one stays.
-  if (SyncFolder(copying.target.folder.Get()) == 0) DeleteSource(folders, request, permit, copying);
+  // Until the new name is on the disk for sure, and with it every folder on the way, the old one
+  // stays.
+  const int folder = copying.target.folder.Get();
+  if (SyncFolder(folder) == 0 && SyncFileSystem(folder) == 0)
+    DeleteSource(folders, request, permit, copying);
   return permit.IsWithdrawn() ? ERROR_OPERATION_ABORTED : ERROR_SUCCESS;
 }
 

@@ -8,6 +8,7 @@
 
 #include <cerrno>
 
+#include "platform/posix/CarriedFacts.h"
 #include "platform/posix/ErrnoCodes.h"
 
 namespace quillmarsh {
@@ -84,8 +85,8 @@ std::uint32_t CreateNew(const PathResolver& resolver, int root, const Located& l
   if (error == 0) {
     const std::string name(located.path.Name());
     error = Change(request, [&] {
-      opened.fd.Reset(
-          ::openat(folder.Get(), name.c_str(), OpenFlags(request) | O_CREAT | O_EXCL, 0666));
+      opened.fd.Reset(::openat(folder.Get(), name.c_str(), OpenFlags(request) | O_CREAT | O_EXCL,
+                               request.mode));
       return opened.fd ? 0 : -1;
     });
   }
@@ -100,6 +101,21 @@ std::uint32_t OpenFileAt(const PathResolver& resolver, const Located& located,
   UniqueFd root;
   if (const std::uint32_t error = resolver.OpenRoot(*located.drive, root)) return error;
   return OpenFileBelow(resolver, root.Get(), located, request, opened);
+}
+
+std::uint32_t MakeSuccessorAt(const PathResolver& resolver, const Located& located,
+                              const Located& replaced, const OpenRequest& request,
+                              OpenedFile& opened) {
+  OpenedFile old;
+  const OpenRequest writing{GENERIC_WRITE, OPEN_EXISTING, 0};
+  const std::uint32_t missing = OpenFileAt(resolver, replaced, writing, old);
+  if (missing == ERROR_FILE_NOT_FOUND) return OpenFileAt(resolver, located, request, opened);
+  if (missing != ERROR_SUCCESS) return missing;
+  OpenRequest making = request;
+  making.mode = 0600;
+  if (const auto error = OpenFileAt(resolver, located, making, opened)) return error;
+  CarryFactsOfReplaced(old.fd.Get(), opened.fd.Get());
+  return ERROR_SUCCESS;
 }
 
 std::uint32_t OpenFileBelow(const PathResolver& resolver, int root, const Located& located,

@@ -15,6 +15,7 @@ struct OpenRequest {
   std::uint32_t flags = 0;        // FILE_FLAG_...
   // Where the opening may be given up: without leave no file is made and none emptied (995).
   std::shared_ptr<ChangePermit> permit = nullptr;
+  mode_t mode = 0666;  // of a new file, before the process takes its mask away
 };
 
 struct OpenedFile {
@@ -26,6 +27,12 @@ struct OpenedFile {
 // Answers a code.
 [[nodiscard]] std::uint32_t OpenFileAt(const PathResolver& resolver, const Located& located,
                                        const OpenRequest& request, OpenedFile& opened);
+
+// Makes a new file that is to replace another one: where that is there, it gets its permissions,
+// and they are never wider on the way. Answers a code.
+[[nodiscard]] std::uint32_t MakeSuccessorAt(const PathResolver& resolver, const Located& located,
+                                            const Located& replaced, const OpenRequest& request,
+                                            OpenedFile& opened);
 
 // The same below a root of the drive that is open already.
 [[nodiscard]] std::uint32_t OpenFileBelow(const PathResolver& resolver, int root,

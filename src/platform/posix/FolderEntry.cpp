@@ -77,6 +77,13 @@ std::uint32_t OpenEntry(OpenFolders& folders, const Located& located, FolderEntr
   return LookAgain(folders.Resolver(), located, place);
 }
 
+int LookAtItself(FolderEntry& place) {
+  return ::statx(place.folder.Get(), place.name.c_str(), FactsOfEntryItself, FactsWanted,
+                 &place.entry.facts) == 0
+             ? 0
+             : errno;
+}
+
 int LookFor(const FolderEntry& place) {
   struct statx facts {};
   const int folder = place.folder.Get();
@@ -103,10 +110,18 @@ std::uint32_t LookAgain(const PathResolver& resolver, const Located& located, Fo
 int RenameByLink(const FolderEntry& source, const FolderEntry& target, ChangePermit& permit) {
   const int from = source.folder.Get();
   const int to = target.folder.Get();
+  FolderEntry before = source;
+  if (const int error = LookAtItself(before)) return error;
   if (const int error = permit.Use(
           [&] { return ::linkat(from, source.name.c_str(), to, target.name.c_str(), 0); }))
     return error;
-  const int error = permit.Use([&] { return ::unlinkat(from, source.name.c_str(), 0); });
+  // Somebody may have saved another file under the source's name, which is not to go. Both looks
+  // are at that name, since some file systems number the names of one file differently.
+  FolderEntry now = source;
+  if (const int gone = LookAtItself(now)) return gone == ENOENT ? 0 : gone;
+  const int error = now.IsSameFileAs(before)
+                        ? permit.Use([&] { return ::unlinkat(from, source.name.c_str(), 0); })
+                        : EBUSY;
   if (error == 0) return 0;
   // A server may have done it and lost the answer. The second link goes only while the first one is
   // there for sure.
@@ -164,10 +179,10 @@ int RenameReplacing(const FolderEntry& source, const FolderEntry& target, Change
 }
 
 bool IsListed(int folder, const std::string& name) {
-  const UniqueFd readable = OpenToRead(folder);
-  const int own = readable ? ::fcntl(readable.Get(), F_DUPFD_CLOEXEC, 0) : -1;
-  const std::unique_ptr<DIR, int (*)(DIR*)> listing(own < 0 ? nullptr : ::fdopendir(own),
-                                                    &::closedir);
+  UniqueFd readable = OpenToRead(folder);
+  const std::unique_ptr<DIR, int (*)(DIR*)> listing(
+      readable ? ::fdopendir(readable.Get()) : nullptr, &::closedir);
+  if (listing) (void)readable.Release();
   while (const dirent* const entry = listing ? ::readdir(listing.get()) : nullptr)
     if (name == entry->d_name) return true;
   return false;
@@ -183,6 +198,12 @@ bool IsOtherSpelling(const Located& located, const FolderEntry& place) {
               (flags & FS_CASEFOLD_FL) != 0;
   }
   return mayFold && !IsListed(place.folder.Get(), place.name);
+}
+
+int SyncFileSystem(int folder) {
+  const UniqueFd readable = OpenToRead(folder);
+  if (!readable) return errno == EACCES ? 0 : errno;
+  return ::syncfs(readable.Get()) == 0 ? 0 : errno;
 }
 
 int SyncFolder(int folder) {

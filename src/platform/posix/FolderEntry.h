@@ -34,6 +34,9 @@ struct FolderEntry {
 // nothing.
 [[nodiscard]] int LookFor(const FolderEntry& place);
 
+// Looks at the entry itself, whatever it is, and at nothing behind it. Answers an errno.
+[[nodiscard]] int LookAtItself(FolderEntry& place);
+
 // What an entry gives way to.
 enum class Replacement { File, Folder };
 // 0, or the code with which what lies there refuses to be deleted or replaced: a read-only file, a
@@ -65,5 +68,8 @@ enum class Replacement { File, Folder };
 // Writes a folder's entries to the disk. A file system that cannot do so for folders, and a folder
 // that one may not read, count as done. Answers an errno.
 [[nodiscard]] int SyncFolder(int folder);
+// Writes all of the folder's file system to the disk, the folders above that were made just now
+// among it. A folder that one may not read counts as done. Answers an errno.
+[[nodiscard]] int SyncFileSystem(int folder);
 
 }  // namespace quillmarsh

@@ -15,6 +15,7 @@
 #include <thread>
 #include <vector>
 
+#include "platform/SystemConstants.h"
 #include "platform/posix/PathResolver.h"
 
 namespace quillmarsh {
@@ -56,5 +57,16 @@ class OpenFolders {
   bool mQuit = false;
   std::thread mCloser;  // begins with the first folder
 };
+
+// Runs an operation that answers a code, and once more without the folders kept open where
+// descriptors have run out. It needs its last descriptor before it changes anything.
+template <typename EntryOperation>
+[[nodiscard]] std::uint32_t SparingDescriptors(OpenFolders& folders,
+                                               const EntryOperation& operation) {
+  const std::uint32_t code = operation();
+  if (code != ERROR_TOO_MANY_OPEN_FILES) return code;
+  folders.LetGo();
+  return operation();
+}
 
 }  // namespace quillmarsh

@@ -35,6 +35,8 @@ std::uint32_t ReadFacts(OpenFolders& folders, const Located& located, EntryFacts
 
 std::uint32_t PosixContext::Locate(TextView path, Located& located) const {
   if (const std::uint32_t error = ParseDrivePath(path, located.path)) return error;
+  // The number of a mount is given again to another one, so an old table is not to be trusted.
+  letters->RefreshIfChanged();
   located.table = letters->Current();
   located.drive = located.table->ByLetter(located.path.letter);
   if (located.drive != nullptr) return ERROR_SUCCESS;

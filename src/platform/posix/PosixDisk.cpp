@@ -16,6 +16,8 @@
 namespace quillmarsh {
 namespace {
 
+// How long a removal may take from lifting the read-only bit to taking the name away.
+constexpr std::chrono::seconds RememberLiftedFor{5};
 constexpr std::uint32_t KnownMoveFlags =
     MOVEFILE_REPLACE_EXISTING | MOVEFILE_COPY_ALLOWED | MOVEFILE_WRITE_THROUGH;
 
@@ -44,8 +46,15 @@ std::uint32_t RemoveFolder(OpenFolders& folders, const Located& located, ChangeP
   if (!place.IsFolder()) return ERROR_DIRECTORY;
   if (place.entry.kind == EntryKind::MountRoot) return ERROR_ACCESS_DENIED;
   const int flags = place.entry.kind == EntryKind::Folder ? AT_REMOVEDIR : 0;
-  const int error =
-      permit.Use([&] { return ::unlinkat(place.folder.Get(), place.name.c_str(), flags); });
+  // Finding out where a link leads takes its time, and what takes its name meanwhile may be a file.
+  const int error = permit.Use([&] {
+    FolderEntry now = place;
+    if (flags == 0 && (LookAtItself(now) != 0 || !now.IsSameFileAs(place))) {
+      errno = EBUSY;
+      return -1;
+    }
+    return ::unlinkat(place.folder.Get(), place.name.c_str(), flags);
+  });
   return error == EEXIST ? ERROR_DIR_NOT_EMPTY : SystemErrorFromErrno(error);
 }
 
@@ -86,6 +95,7 @@ bool PosixDisk::DoSetAttributes(TextView path, std::uint32_t attributes) {
   if (const std::uint32_t error = mContext.Locate(path, located)) return Fail(error, false);
   if (located.path.relative.empty()) return true;
   const bool readOnly = (attributes & FILE_ATTRIBUTE_READONLY) != 0;
+  mLiftedAt = std::chrono::steady_clock::now();
   const std::uint32_t error = WithPermit([&](const std::shared_ptr<ChangePermit>& permit) {
     return mContext.Run(
         located.drive->kind.answers, mLifted,
@@ -97,67 +107,69 @@ bool PosixDisk::DoSetAttributes(TextView path, std::uint32_t attributes) {
 }
 
 std::uint32_t PosixDisk::RunChange(const Located& located, EntryOperation* operation) {
-  char nothing = 0;
-  return WithPermit([&](const std::shared_ptr<ChangePermit>& permit) {
-    return mContext.Run(located.drive->kind.answers, nothing,
-                        [folders = mContext.folders, located, permit, operation,
-                         lifted = std::exchange(mLifted, std::nullopt)](char&) {
-                          const OtherNames others(*folders, located, lifted);
-                          const std::uint32_t error = operation(*folders, located, *permit);
-                          others.Protect(*permit);
-                          return error;
-                        });
+  return RunOnTarget({located, located.drive->kind.answers, false,
+                      [located, operation](OpenFolders& folders, ChangePermit& permit) {
+                        return operation(folders, located, permit);
+                      }});
+}
+
+std::uint32_t PosixDisk::RunOnTarget(TargetChange change) {
+  if (std::chrono::steady_clock::now() - mLiftedAt >= RememberLiftedFor) mLifted.reset();
+  const bool answers = change.answers;
+  const bool isLong = change.isLong;
+  bool isDoneWith = false;
+  const std::uint32_t error = WithPermit([&](const std::shared_ptr<ChangePermit>& permit) {
+    auto job = [folders = mContext.folders, change = std::move(change), permit,
+                lifted = mLifted](bool& done) {
+      const OtherNames others(*folders, change.target, lifted);
+      const std::uint32_t code =
+          SparingDescriptors(*folders, [&] { return change.operation(*folders, *permit); });
+      // What was told to go another way takes nothing away yet.
+      done = code != ERROR_NOT_SAME_DEVICE && others.HoldFile();
+      if (done) others.Protect(*permit);
+      return code;
+    };
+    return isLong ? mContext.RunLong(answers, isDoneWith, std::move(job))
+                  : mContext.Run(answers, isDoneWith, std::move(job));
   });
+  if (isDoneWith) mLifted.reset();
+  return error;
 }
 
 bool PosixDisk::DoMoveFile(TextView existing, TextView newPath, std::uint32_t flags) {
-  const std::optional<LiftedBit> lifted = std::exchange(mLifted, std::nullopt);
   if ((flags & ~KnownMoveFlags) != 0) return Fail(ERROR_INVALID_PARAMETER, false);
-  const auto move = std::make_shared<Move>();
-  move->flags = flags;
-  if (const auto error = mContext.Locate(existing, move->source)) return Fail(error, false);
-  move->targetError = mContext.Locate(newPath, move->target);
-  bool mayBeCopied = false;
-  const bool answers = BothAnswer(move->source, move->target);
-  const std::uint32_t error = WithPermit([&](const std::shared_ptr<ChangePermit>& permit) {
-    return mContext.Run(answers, mayBeCopied,
-                        [folders = mContext.folders, move, permit, lifted](bool& copied) {
-                          const OtherNames others(*folders, move->target, lifted);
-                          const std::uint32_t code = MoveEntry(*folders, *move, *permit, copied);
-                          const bool goesOn = code == ERROR_NOT_SAME_DEVICE && copied;
-                          if (!goesOn) others.Protect(*permit);
-                          return code;
-                        });
-  });
-  if (error != ERROR_NOT_SAME_DEVICE || !mayBeCopied) return error == 0 || Fail(error, false);
-  const CopyRequest request{move->source, move->target, 0, move->Has(MOVEFILE_REPLACE_EXISTING),
+  Move move;
+  move.flags = flags;
+  if (const auto error = mContext.Locate(existing, move.source)) return Fail(error, false);
+  move.targetError = mContext.Locate(newPath, move.target);
+  const auto mayBeCopied = std::make_shared<bool>(false);
+  const std::uint32_t error =
+      RunOnTarget({move.target, BothAnswer(move.source, move.target), false,
+                   [move, mayBeCopied](OpenFolders& folders, ChangePermit& permit) {
+                     return MoveEntry(folders, move, permit, *mayBeCopied);
+                   }});
+  // What was given up may still write there.
+  if (error != ERROR_NOT_SAME_DEVICE || !*mayBeCopied) return error == 0 || Fail(error, false);
+  const CopyRequest request{move.source, move.target, 0, move.Has(MOVEFILE_REPLACE_EXISTING),
                             ERROR_ALREADY_EXISTS};
-  return RunCopy(request, lifted, MoveByCopy);
+  return RunCopy(request, MoveByCopy);
 }
 
 bool PosixDisk::DoCopyFile(TextView existing, TextView newPath, bool failIfExists) {
-  const std::optional<LiftedBit> lifted = std::exchange(mLifted, std::nullopt);
   CopyRequest request;
   request.replaces = !failIfExists;
   request.codeIfExists = ERROR_FILE_EXISTS;
   if (const auto error = mContext.Locate(existing, request.source)) return Fail(error, false);
   request.targetError = mContext.Locate(newPath, request.target);
-  return RunCopy(request, lifted, CopyToTarget);
+  return RunCopy(request, CopyToTarget);
 }
 
-bool PosixDisk::RunCopy(const CopyRequest& request, const std::optional<LiftedBit>& lifted,
-                        CopyOperation* operation) {
-  const bool answers = BothAnswer(request.source, request.target);
-  char nothing = 0;
-  const std::uint32_t error = WithPermit([&](const std::shared_ptr<ChangePermit>& permit) {
-    return mContext.RunLong(
-        answers, nothing, [folders = mContext.folders, request, lifted, permit, operation](char&) {
-          const OtherNames others(*folders, request.target, lifted);
-          const std::uint32_t code = operation(*folders, request, *permit);
-          others.Protect(*permit);
-          return code;
-        });
-  });
+bool PosixDisk::RunCopy(const CopyRequest& request, CopyOperation* operation) {
+  const std::uint32_t error =
+      RunOnTarget({request.target, BothAnswer(request.source, request.target), true,
+                   [request, operation](OpenFolders& folders, ChangePermit& permit) {
+                     return operation(folders, request, permit);
+                   }});
   return error == 0 || Fail(error, false);
 }
 

@@ -75,9 +75,9 @@ std::uint32_t PosixFiles::Open(TextView path, const OpenRequest& request, OpenFi
   const auto open = [resolver = mContext.resolver, located, request](OpenedFile& result) {
     return OpenFileAt(*resolver, located, request, result);
   };
-  error = mContext.Run(file.answers, opened, open);
   // What was given up is not to make or to empty a file later.
-  if (error == ERROR_OPERATION_ABORTED && request.permit != nullptr) request.permit->Withdraw();
+  const EndOfPermit end(request.permit);
+  error = mContext.Run(file.answers, opened, open);
   if (error == ERROR_TOO_MANY_OPEN_FILES) {
     // Some of them only wait to be taken up.
     mPrefetcher.DropHints();
@@ -102,14 +102,43 @@ HANDLE PosixFiles::DoCreateFile(TextView path, std::uint32_t access, std::uint32
   const bool isRead = file->ahead != nullptr && file->ahead->isWhole;
   if ((flags & FILE_FLAG_SEQUENTIAL_SCAN) != 0 && !isRead)
     (void)::posix_fadvise(file->fd->Get(), 0, 0, POSIX_FADV_SEQUENTIAL);
-  file->name = located.path.Name();
-  file->reads = (access & GENERIC_READ) != 0;
-  file->writes = (access & (GENERIC_WRITE | FILE_APPEND_DATA)) != 0;
-  file->appends = file->writes && (access & GENERIC_WRITE) == 0;
-  file->volumeSerial = SerialNumberOf(*located.drive);
   const bool reports = disposition == CREATE_ALWAYS || disposition == OPEN_ALWAYS;
   SetLastError(reports && existed ? ERROR_ALREADY_EXISTS : ERROR_SUCCESS);
+  return Add(std::move(file), request, located);
+}
+
+HANDLE PosixFiles::Add(std::unique_ptr<OpenFile> file, const OpenRequest& request,
+                       const Located& located) {
+  file->name = located.path.Name();
+  file->reads = (request.access & GENERIC_READ) != 0;
+  file->writes = (request.access & (GENERIC_WRITE | FILE_APPEND_DATA)) != 0;
+  file->appends = file->writes && (request.access & GENERIC_WRITE) == 0;
+  file->volumeSerial = SerialNumberOf(*located.drive);
   return mFiles.Add(std::move(file));
+}
+
+HANDLE PosixFiles::DoCreateSuccessor(TextView path, TextView replaced) {
+  Located located;
+  Located old;
+  OpenRequest request{GENERIC_WRITE, CREATE_NEW, 0};
+  request.permit = std::make_shared<ChangePermit>();
+  std::uint32_t error = mContext.Locate(path, located);
+  if (error == 0) error = mContext.Locate(replaced, old);
+  if (error != 0) return Fail(error, INVALID_HANDLE);
+  auto file = std::make_unique<OpenFile>();
+  file->answers = located.drive->kind.answers && old.drive->kind.answers;
+  OpenedFile opened;
+  const EndOfPermit end(request.permit);
+  error = mContext.Run(file->answers, opened,
+                       [folders = mContext.folders, located, old, request](OpenedFile& made) {
+                         return SparingDescriptors(*folders, [&] {
+                           return MakeSuccessorAt(folders->Resolver(), located, old, request, made);
+                         });
+                       });
+  if (error != 0) return Fail(error, INVALID_HANDLE);
+  file->fd = std::make_shared<UniqueFd>(std::move(opened.fd));
+  SetLastError(ERROR_SUCCESS);
+  return Add(std::move(file), request, located);
 }
 
 bool PosixFiles::DoGetInformation(HANDLE handle, BY_HANDLE_FILE_INFORMATION& information) {

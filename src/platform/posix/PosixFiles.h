@@ -37,6 +37,7 @@ class PosixFiles final : public FileInputOutput {
 
   HANDLE DoCreateFile(TextView path, std::uint32_t access, std::uint32_t share,
                       std::uint32_t disposition, std::uint32_t flags) override;
+  HANDLE DoCreateSuccessor(TextView path, TextView replaced) override;
   void DoReadAhead(TextView path) override;
   void DoDropReadAhead() override { mPrefetcher.DropHints(); }
   bool DoGetInformation(HANDLE file, BY_HANDLE_FILE_INFORMATION& information) override;
@@ -60,6 +61,8 @@ class PosixFiles final : public FileInputOutput {
 
   // The entry's facts, or the last error set.
   bool Look(TextView path, EntryFacts& entry);
+  // A handle for a file that was opened.
+  HANDLE Add(std::unique_ptr<OpenFile> file, const OpenRequest& request, const Located& located);
   // A code, and the file if there is none.
   std::uint32_t Open(TextView path, const OpenRequest& request, OpenFile& file, Located& located,
                      bool& existed);

@@ -3,6 +3,7 @@
 // changing the disk, access checks, version resources, the process, locale and time, the queue.
 #pragma once
 
+#include <chrono>
 #include <functional>
 #include <map>
 
@@ -35,13 +36,23 @@ class PosixDisk final : public DiskChange {
   // Both answer a code.
   using EntryOperation = std::uint32_t(OpenFolders&, const Located&, ChangePermit&);
   std::uint32_t RunChange(const Located& located, EntryOperation* operation);
+  // Runs what takes the target's name away, with regard to its other names. `operation` answers a
+  // code and runs on a helper where the file systems may not answer; a long one always does.
+  struct TargetChange {
+    Located target;
+    bool answers = true;
+    bool isLong = false;
+    std::function<std::uint32_t(OpenFolders&, ChangePermit&)> operation;
+  };
+  std::uint32_t RunOnTarget(TargetChange change);
   using CopyOperation = std::uint32_t(OpenFolders&, const CopyRequest&, ChangePermit&);
-  bool RunCopy(const CopyRequest& request, const std::optional<LiftedBit>& lifted,
-               CopyOperation* operation);
+  bool RunCopy(const CopyRequest& request, CopyOperation* operation);
 
   PosixContext& mContext;
-  // By the last operation, if the very next one is to take a name of that file away.
+  // Until an operation takes a name of that file away, but not for long: it may also have been a
+  // person who wanted it so.
   std::optional<LiftedBit> mLifted;
+  std::chrono::steady_clock::time_point mLiftedAt;
 };
 
 // Volumes here keep no access lists, so there is no descriptor to check against: every question

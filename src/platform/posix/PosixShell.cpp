@@ -202,7 +202,7 @@ std::uint32_t PosixShell::SendToBin(TextView path, const Located& homeTrash) {
   char nothing = 0;
   return WithPermit([&](const std::shared_ptr<ChangePermit>& permit) {
     return mContext.RunLong(answers, nothing, [folders = mContext.folders, request, permit](char&) {
-      return SendToTrash(*folders, request, *permit);
+      return SparingDescriptors(*folders, [&] { return SendToTrash(*folders, request, *permit); });
     });
   });
 }
@@ -222,14 +222,14 @@ std::int32_t PosixShell::DoFileOperation(SHFILEOPSTRUCTW& operation) {
   if (operation.wFunc != FO_DELETE || (operation.fFlags & FOF_ALLOWUNDO) == 0)
     return static_cast<std::int32_t>(ERROR_INVALID_PARAMETER);
   std::uint32_t error = ERROR_SUCCESS;
-  const Located home = HomeTrash(error);
-  if (error != ERROR_OPERATION_ABORTED) error = ERROR_SUCCESS;
   for (TextView rest = operation.pFrom; error == ERROR_SUCCESS && !rest.empty();) {
     const TextView path = rest.substr(0, rest.find(u'\0'));
     if (path.empty()) break;
     if (path.starts_with(u"\\\\?\\") || path.find_first_of(u"*?") != TextView::npos)
       return DE_INVALIDFILES;
-    error = SendToBin(path, home);
+    mContext.letters->RefreshIfChanged();
+    const Located home = HomeTrash(error);
+    error = error == ERROR_OPERATION_ABORTED ? error : SendToBin(path, home);
     rest.remove_prefix(std::min(path.size() + 1, rest.size()));
   }
   operation.fAnyOperationsAborted = error == ERROR_OPERATION_ABORTED;

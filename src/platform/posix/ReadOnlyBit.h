@@ -29,6 +29,7 @@ struct LiftedBit {
 class OtherNames {
  public:
   OtherNames(OpenFolders& folders, const Located& located, const std::optional<LiftedBit>& lifted);
+  [[nodiscard]] bool HoldFile() const { return static_cast<bool>(mFile); }
   // Gives the bit back where the file still has a name, be it because the removal has failed. Best
   // effort: what cannot be given back stays as it is.
   void Protect(ChangePermit& permit) const;

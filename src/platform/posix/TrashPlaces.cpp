@@ -74,6 +74,13 @@ std::uint32_t OpenOwned(const PathResolver& resolver, int parent, const std::str
   return ERROR_ACCESS_DENIED;
 }
 
+// An administrator with another user's home makes nothing there, where that user could neither
+// empty nor fill it.
+bool IsMissingInForeign(const PathResolver& resolver, int parent, const std::string& name) {
+  UniqueFd folder;
+  return resolver.OpenFolder(parent, name, folder) == ENOENT && !OwnershipOf(parent).isOwn;
+}
+
 std::uint32_t OpenHome(const PathResolver& resolver, UniqueFd root, const Located& home,
                        ChangePermit& permit, TrashPlace& trash) {
   UniqueFd parent = std::move(root);
@@ -81,13 +88,16 @@ std::uint32_t OpenHome(const PathResolver& resolver, UniqueFd root, const Locate
   while (!rest.empty()) {
     const std::size_t slash = std::min(rest.find('/'), rest.size());
     OpenedFolder folder;
-    if (const int error =
-            OpenOrMake(resolver, parent.Get(), std::string(rest.substr(0, slash)), permit, folder))
+    const std::string name(rest.substr(0, slash));
+    if (IsMissingInForeign(resolver, parent.Get(), name)) return ERROR_ACCESS_DENIED;
+    if (const int error = OpenOrMake(resolver, parent.Get(), name, permit, folder))
       return SystemErrorFromErrno(error);
     parent = std::move(folder.fd);
     rest.remove_prefix(std::min(slash + 1, rest.size()));
   }
-  return OpenOwned(resolver, parent.Get(), std::string(home.path.Name()), permit, trash);
+  const std::string name(home.path.Name());
+  if (IsMissingInForeign(resolver, parent.Get(), name)) return ERROR_ACCESS_DENIED;
+  return OpenOwned(resolver, parent.Get(), name, permit, trash);
 }
 
 bool IsNumber(std::string_view text) {
@@ -128,6 +138,7 @@ bool TouchesTrash(const Located& located, const Located& home) {
   const std::string& path = located.path.relative;
   if (LiesInTrashOfVolume(path)) return true;
   if (home.drive == nullptr || home.drive->letter != located.drive->letter) return false;
+  if (home.path.relative.empty()) return true;
   return IsOrLiesBelow(path, home.path.relative) || IsOrLiesBelow(home.path.relative, path);
 }
 

@@ -22,6 +22,8 @@ class UniqueFd {
 
   [[nodiscard]] int Get() const { return mFd; }
   [[nodiscard]] explicit operator bool() const { return mFd >= 0; }
+  // For whoever closes it from now on.
+  [[nodiscard]] int Release() { return std::exchange(mFd, -1); }
   void Reset(int fd = -1) {
     if (mFd >= 0) ::close(mFd);
     mFd = fd;

@@ -102,6 +102,9 @@ TEST_P(AttributesTest, TheOtherNamesOfAFileStayProtected) {
     }
     EXPECT_EQ(ModeOf("second"), 0440U) << "after a failure";
     EXPECT_EQ(Set(u"D:\\first", Normal), 0U);
+    EXPECT_EQ(Move(u"E:\\other", u"D:\\first", MOVEFILE_REPLACE_EXISTING), ERROR_NOT_SAME_DEVICE);
+    EXPECT_EQ(ModeOf("second"), 0640U) << "the move goes on as a copy";
+    EXPECT_EQ(Delete(u"D:\\none"), ERROR_FILE_NOT_FOUND) << "nothing to do with it";
     EXPECT_TRUE(row.takesTheFirstNameAway(mMachine.Disk()));
     EXPECT_EQ(ModeOf("second"), 0440U) << "after a success";
     EXPECT_EQ(Bytes(mTree.At("second")), "bytes");
@@ -112,9 +115,32 @@ TEST_P(AttributesTest, ABitThatAPersonLiftedStaysLifted) {
   MakePair();
   mTree.File("other");
   EXPECT_EQ(Set(u"D:\\first", Normal), 0U);
-  EXPECT_EQ(Delete(u"D:\\other"), 0U) << "nothing to do with it";
+  EXPECT_EQ(Set(u"D:\\other", Normal), 0U);
   EXPECT_EQ(Delete(u"D:\\first"), 0U);
   EXPECT_EQ(ModeOf("second"), 0640U);
+}
+
+// With an access list the group's permissions in the mode are those of all whom the list names.
+TEST_P(AttributesTest, ACopyWithoutTheAccessListGivesTheGroupNothing) {
+  const std::string source = mTree.File("file", "bytes");
+  // The owner rw-, one user rw-, the group ---, at most rw-, others ---.
+  const unsigned char list[] = {2, 0,    0,    0,   1,   0,   6,  0, 255, 255, 255, 255, 2,   0,  6,
+                                0, 0x39, 0x30, 0,   0,   4,   0,  0, 0,   255, 255, 255, 255, 16, 0,
+                                6, 0,    255,  255, 255, 255, 32, 0, 0,   0,   255, 255, 255, 255};
+  if (::setxattr(source.c_str(), "system.posix_acl_access", list, sizeof list, 0) != 0)
+    GTEST_SKIP() << "no access lists here";
+  ASSERT_EQ(ModeOf("file"), 0660U);
+  EXPECT_TRUE(mMachine.Disk().CopyFileW(u"D:\\file", u"D:\\copy", true));
+  EXPECT_EQ(ModeOf("copy"), 0600U);
+  EXPECT_EQ(Move(u"D:\\file", u"E:\\file", MOVEFILE_COPY_ALLOWED), 0U);
+  char kept[sizeof list];
+  EXPECT_EQ(::getxattr(mOther.At("file").c_str(), "system.posix_acl_access", kept, sizeof kept),
+            static_cast<ssize_t>(sizeof kept));
+  if (::getuid() != 0) return;
+  ASSERT_EQ(::chown(mTree.File("group's").c_str(), 12345, 23456), 0);
+  ::chmod(mTree.At("group's").c_str(), 0664);
+  EXPECT_TRUE(mMachine.Disk().CopyFileW(u"D:\\group's", u"D:\\another", true));
+  EXPECT_EQ(ModeOf("another"), 0644U) << "not for another group";
 }
 
 TEST_P(AttributesTest, AFileMovedToAnotherVolumeKeepsWhatBelongsToIt) {

@@ -10,6 +10,7 @@
 #include <fstream>
 #include <future>
 #include <sstream>
+#include <stdexcept>
 #include <thread>
 
 #include "platform/posix/DyingServer.h"
@@ -223,12 +224,20 @@ class GivenUpChanges : public DrivesDAndE {
  protected:
   GivenUpChanges() : DrivesDAndE("nfs4") {}
 
+  // A patience that ends the waiting by raising something.
+  class RaisingServer final : public DyingServer {
+   public:
+    using DyingServer::DyingServer;
+    bool KeepWaiting() override {
+      return DyingServer::KeepWaiting() ? true : throw std::runtime_error("stop");
+    }
+  };
   // The code of a change that is given up where the server dies, after the server has come back.
   std::uint32_t Undergo(const DyingServer::Where& where,
-                        const std::function<bool(DiskChange&)>& change) {
+                        const std::function<bool(Machine&)>& change) {
     DyingServer server(where);
     mMachine.SetPatience(&server);
-    const std::uint32_t code = change(mMachine.Disk()) ? 0 : mMachine.GetLastError();
+    const std::uint32_t code = change(mMachine) ? 0 : mMachine.GetLastError();
     mMachine.SetPatience(nullptr);
     server.ComeBackAndFinish();
     return code;
@@ -238,17 +247,28 @@ class GivenUpChanges : public DrivesDAndE {
 TEST_F(GivenUpChanges, DoNotHappenWhenTheServerComesBack) {
   struct Row {
     const char* name;
-    std::function<bool(DiskChange&)> change;
+    std::function<bool(Machine&)> change;
   };
   const Row rows[] = {
-      {"delete", [](DiskChange& disk) { return disk.DeleteFileW(u"D:\\file"); }},
-      {"rename", [](DiskChange& disk) { return disk.MoveFileExW(u"D:\\file", u"D:\\new", 0); }},
+      {"delete", [](Machine& machine) { return machine.Disk().DeleteFileW(u"D:\\file"); }},
+      {"rename",
+       [](Machine& machine) { return machine.Disk().MoveFileExW(u"D:\\file", u"D:\\new", 0); }},
       {"replace",
-       [](DiskChange& disk) { return disk.MoveFileExW(u"D:\\file", u"D:\\taken", Replace); }},
+       [](Machine& machine) {
+         return machine.Disk().MoveFileExW(u"D:\\file", u"D:\\taken", Replace);
+       }},
       {"onto a second link",
-       [](DiskChange& disk) { return disk.MoveFileExW(u"D:\\file", u"D:\\second", Replace); }},
-      {"copy", [](DiskChange& disk) { return disk.CopyFileW(u"D:\\file", u"E:\\copy", true); }},
-      {"create", [](DiskChange& disk) { return disk.CreateDirectoryW(u"D:\\made"); }},
+       [](Machine& machine) {
+         return machine.Disk().MoveFileExW(u"D:\\file", u"D:\\second", Replace);
+       }},
+      {"copy",
+       [](Machine& machine) { return machine.Disk().CopyFileW(u"D:\\file", u"E:\\copy", true); }},
+      {"create", [](Machine& machine) { return machine.Disk().CreateDirectoryW(u"D:\\made"); }},
+      {"make a file",
+       [](Machine& machine) {
+         return machine.Files().CreateFileW(u"D:\\made", GENERIC_WRITE, 0, CREATE_NEW, 0) !=
+                INVALID_HANDLE;
+       }},
   };
   mTree.File("file", "bytes");
   mTree.File("taken", "taken");
@@ -263,6 +283,14 @@ TEST_F(GivenUpChanges, DoNotHappenWhenTheServerComesBack) {
     EXPECT_EQ(Bytes(mTree.At("taken")), "taken");
     EXPECT_EQ(EntriesOf(u"D:\\"), 3U);
     EXPECT_EQ(EntriesOf(u"E:\\"), 0U);
+    RaisingServer server(onTheWay);
+    mMachine.SetPatience(&server);
+    EXPECT_THROW((void)row.change(mMachine), std::runtime_error);
+    mMachine.SetPatience(nullptr);
+    server.ComeBackAndFinish();
+    EXPECT_EQ(Bytes(mTree.At("file")), "bytes");
+    EXPECT_EQ(EntriesOf(u"D:\\"), 3U);
+    EXPECT_EQ(EntriesOf(u"E:\\"), 0U);
   }
 }
 
@@ -273,8 +301,8 @@ TEST_F(GivenUpChanges, AMoveThatIsInPlaceAlreadyKeepsItsSource) {
     return call == SystemCall::Fsync && ::fstat(fd, &facts) == 0 && S_ISDIR(facts.st_mode);
   };
   EXPECT_EQ(Undergo(inTheSyncOfTheFolder,
-                    [](DiskChange& disk) {
-                      return disk.MoveFileExW(u"D:\\file", u"E:\\file", CopyAllowed);
+                    [](Machine& machine) {
+                      return machine.Disk().MoveFileExW(u"D:\\file", u"E:\\file", CopyAllowed);
                     }),
             ERROR_OPERATION_ABORTED);
   EXPECT_EQ(Bytes(mTree.At("file")), "bytes");
@@ -286,7 +314,8 @@ TEST_F(GivenUpChanges, OnlyTheSystemCallThatWasUnderWayStillTakesEffect) {
   const auto inTheDeletion = [](SystemCall call, int, std::string_view) {
     return call == SystemCall::Unlinkat;
   };
-  EXPECT_EQ(Undergo(inTheDeletion, [](DiskChange& disk) { return disk.DeleteFileW(u"D:\\file"); }),
+  EXPECT_EQ(Undergo(inTheDeletion,
+                    [](Machine& machine) { return machine.Disk().DeleteFileW(u"D:\\file"); }),
             ERROR_OPERATION_ABORTED);
   EXPECT_EQ(Bytes(mTree.At("file")), "(none)");
 }
@@ -394,6 +423,22 @@ TEST_F(RenamingTest, GivenUpInTheMiddleNothingIsTakenBack) {
   EXPECT_TRUE(EntryOf("file").exists && EntryOf("new").exists);
   EXPECT_EQ(RenameOntoReservedName(EntryOf("folder"), EntryOf("moved"), forFolder), ECANCELED);
   EXPECT_TRUE(EntryOf("folder").exists && EntryOf("moved").exists);
+}
+
+TEST_F(RenamingTest, WhatIsSavedUnderTheSourcesNameMeanwhileStays) {
+  mTree.File("file", "bytes");
+  mTree.File("saved", "saved");
+  bool isLinked = false;
+  const SystemCallHook hook([&](SystemCall call, int, std::string_view name) {
+    if (isLinked && call == SystemCall::Statx && name == "file")
+      ::rename(mTree.At("saved").c_str(), mTree.At("file").c_str());
+    isLinked = isLinked || call == SystemCall::Linkat;
+    return 0;
+  });
+  EXPECT_EQ(Rename(&RenameByLink, EntryOf("file"), EntryOf("new")), EBUSY);
+  EXPECT_EQ(EntryOf("file").entry.facts.stx_size, 5U);
+  EXPECT_FALSE(EntryOf("saved").exists);
+  EXPECT_FALSE(EntryOf("new").exists);
 }
 
 // The step that takes the source away fails, though it may have been done.

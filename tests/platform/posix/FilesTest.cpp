@@ -3,10 +3,12 @@
 #include <fcntl.h>
 #include <gtest/gtest.h>
 #include <sys/stat.h>
+#include <unistd.h>
 
 #include <fstream>
 #include <sstream>
 
+#include "platform/AtomicFiles.h"
 #include "platform/posix/TempTree.h"
 
 namespace quillmarsh::test {
@@ -118,6 +120,36 @@ TEST_P(FilesTest, MakesFoldersOnlyWhereNothingIs) {
     EXPECT_FALSE(mMachine.Disk().CreateDirectoryW(row.path));
     EXPECT_EQ(mMachine.GetLastError(), row.error) << ToUtf8(row.path);
   }
+}
+
+TEST_P(FilesTest, AReplacedFileKeepsItsPermissions) {
+  const bool isRoot = ::getuid() == 0;
+  for (const mode_t mode : {0600U, 0640U, 0666U}) {
+    ::unlink(mTree.At("file").c_str());
+    ::chmod(mTree.File("file", "old").c_str(), mode);
+    if (isRoot) {
+      ASSERT_EQ(::chown(mTree.At("file").c_str(), 12345, 23456), 0);
+    }
+    FileReplacement replacement(mMachine, u"D:\\file");
+    ASSERT_TRUE(replacement.Begin() && replacement.Write("new"));
+    for (const Listed& entry : ListAll(mMachine, u"D:\\").entries) {
+      struct stat facts {};
+      ASSERT_EQ(::stat(mTree.At(ToUtf8(entry.name)).c_str(), &facts), 0);
+      EXPECT_TRUE(!S_ISREG(facts.st_mode) || (facts.st_mode & 07777U) == mode);
+    }
+    EXPECT_TRUE(replacement.PutInPlace());
+    struct stat facts {};
+    ASSERT_EQ(::stat(mTree.At("file").c_str(), &facts), 0);
+    EXPECT_EQ(facts.st_mode & 07777U, mode);
+    EXPECT_TRUE(!isRoot || (facts.st_uid == 12345 && facts.st_gid == 23456));
+    EXPECT_EQ(Bytes("file"), "new");
+  }
+  EXPECT_TRUE(ReplaceFileContents(mMachine, u"D:\\other", "new"));
+  struct stat facts {};
+  ASSERT_EQ(::stat(mTree.At("other").c_str(), &facts), 0);
+  const mode_t mask = ::umask(0);
+  ::umask(mask);
+  EXPECT_EQ(facts.st_mode & 07777U, 0666U & ~mask);
 }
 
 TEST_P(FilesTest, RefusesADriveWhoseMountHasChanged) {

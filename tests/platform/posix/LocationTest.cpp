@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 // From a path that a person names to its one form and back, and real mounts in a namespace of
 // their own.
+#include <fcntl.h>
 #include <gtest/gtest.h>
 #include <sys/mount.h>
 #include <sys/stat.h>
@@ -11,6 +12,7 @@
 #include <filesystem>
 
 #include "platform/posix/OwnNamespace.h"
+#include "platform/posix/PathResolver.h"
 #include "platform/posix/TempTree.h"
 
 namespace quillmarsh::test {
@@ -156,6 +158,37 @@ TEST(RealMounts, AreDrivesOfTheirOwnAndNeverEnteredFromAbove) {
   EXPECT_EQ(machine.GetLastError(), ERROR_NOT_READY) << "the letter is remembered";
   ::umount(tree.At("view").c_str());
   ::umount(tree.At("target").c_str());
+}
+
+// The system gives the number of a mount that is gone to the next one.
+TEST(RealMounts, AreNotTakenForOthersAtTheirPlace) {
+  if (!IsInOwnNamespace()) {
+    if (!CanHaveOwnNamespace()) GTEST_SKIP() << "this system grants no namespaces to a user";
+    EXPECT_EQ(RunInOwnNamespace("RealMounts.AreNotTakenForOthersAtTheirPlace"), 0);
+    return;
+  }
+  const TempTree tree;
+  const std::string point = tree.Folder("volume");
+  const auto number = [&] {
+    return MountIdOf(UniqueFd(::open(point.c_str(), O_PATH | O_DIRECTORY)).Get());
+  };
+  MountOrFail("/dev/first", point, "tmpfs", 0);
+  const std::int64_t first = number();
+  PosixOptions options;
+  options.dataHome = "";
+  PosixMachine machine(options);
+  const Text volume = machine.Drives().LocationFromNative(point).path;
+  for (int i = 0; i < 500 && (i == 0 || number() != first); ++i) {
+    ASSERT_EQ(::umount(point.c_str()), 0);
+    MountOrFail("/dev/second", point, "tmpfs", 0);
+  }
+  tree.File("volume/file", "kept");
+  EXPECT_FALSE(machine.Disk().DeleteFileW(volume + u"file"));
+  EXPECT_EQ(machine.GetLastError(), ERROR_NOT_READY);
+  const Text there = machine.Drives().LocationFromNative(point).path;
+  EXPECT_NE(there, volume);
+  EXPECT_TRUE(machine.Disk().DeleteFileW(there + u"file"));
+  ::umount2(point.c_str(), MNT_DETACH);
 }
 
 }  // namespace

@@ -284,6 +284,58 @@ TEST_F(TrashTest, ACopyGoesAgainOnlyWhereTheSourceCanBeOpened) {
   EXPECT_TRUE(IsThere("file"));
 }
 
+// Another program makes a file of the same name, which may even get the same number on the disk.
+TEST_F(TrashTest, ACopyStaysWhereTheNameWasMadeAnew) {
+  PosixMachine machine(Options(Home::OnE));
+  mTree.File(OwnTrash);  // in the way
+  mTree.File("file", "bytes");
+  bool isDeleted = false;
+  bool isMade = false;
+  const SystemCallHook hook([&](SystemCall call, int, std::string_view name) {
+    if (isDeleted && !isMade && call == SystemCall::Statx && name.empty()) {
+      isMade = true;
+      mTree.File("file", "other");
+    }
+    isDeleted = isDeleted || (call == SystemCall::Unlinkat && name == "file");
+    return 0;
+  });
+  EXPECT_EQ(Recycle(machine, u"D:\\file"), 0);
+  EXPECT_TRUE(isMade);
+  EXPECT_EQ(ReadNative(HomeTrash(Home::OnE) + "/files/file"), "bytes");
+  EXPECT_EQ(PathInNote(HomeTrash(Home::OnE), "file"), mTree.At("file"));
+  EXPECT_EQ(ReadNative(mTree.At("file")), "other");
+}
+
+TEST_F(TrashTest, DescriptorsThatHaveRunOutAreNoRefusalYet) {
+  PosixMachine machine(Options(Home::None));
+  mTree.File("file");
+  bool hasFailed = false;
+  const SystemCallHook hook([&](SystemCall call, int, std::string_view) {
+    const bool fails = call == SystemCall::Mkdirat && !hasFailed;
+    hasFailed = hasFailed || fails;
+    return fails ? EMFILE : 0;
+  });
+  EXPECT_EQ(Recycle(machine, u"D:\\file"), 0);
+  EXPECT_TRUE(hasFailed);
+}
+
+TEST_F(TrashTest, AHomeTrashMayBeAVolumeAndIsNotMadeInAnothersHome) {
+  PosixOptions options = TwoDrives(mScratch, mTree.Root(), mScratch.Folder("volume/Trash"), "ext4");
+  options.dataHome = mScratch.At("volume");
+  PosixMachine machine(options);
+  mTree.File(OwnTrash);  // in the way
+  mTree.File("file", "bytes");
+  EXPECT_EQ(Recycle(machine, u"D:\\file"), 0);
+  EXPECT_EQ(ReadNative(mScratch.At("volume/Trash/files/file")), "bytes");
+  EXPECT_EQ(Recycle(machine, u"E:\\files\\file"), DE_INVALIDFILES);
+  if (::getuid() != 0) return;
+  PosixMachine other(Options(Home::OnD));
+  ASSERT_EQ(::chown(mTree.Folder("data").c_str(), 12345, 12345), 0);
+  mTree.File("file");
+  EXPECT_NE(Recycle(other, u"D:\\file"), 0);
+  EXPECT_FALSE(IsThere("data/Trash"));
+}
+
 TEST_F(TrashTest, AnInnerVolumeBelowTheSameLetterTakesTheNextWay) {
   PosixMachine machine(Options(Home::OnD));
   mTree.File("file", "bytes");
