@@ -148,7 +148,7 @@ std::string NarrowForm(TextView text, TextEncoding encoding) {
   return form;
 }
 
-bool AppendText(TextView fileSpec, TextView text, TextEncoding encoding) {
+bool AppendText(TextView fileSpec, TextView text, TextEncoding encoding, FlushToDisk flush) {
   const RedirectionOff redirection;
   FileInputOutput& files = TheMachine().Files();
   FileHandle file(files.CreateFileW(ToLongPath(fileSpec), FILE_APPEND_DATA, 0, OPEN_ALWAYS,
@@ -163,7 +163,9 @@ bool AppendText(TextView fileSpec, TextView text, TextEncoding encoding) {
       encoding == TextEncoding::Utf16LittleEndian && information.nFileSizeLow % 2 != 0;
   if (isTorn && !WriteAll(file.Get(), Bytes(kMissingHalf))) return false;
   const Bytes bytes = MemoryOf(text).first(CountedBytes(text, encoding));
-  return WriteAll(file.Get(), bytes) && FlushAndClose(file);
+  if (!WriteAll(file.Get(), bytes)) return false;
+  return flush == FlushToDisk::Now ? FlushAndClose(file)
+                                   : TheMachine().Files().CloseHandle(file.Release());
 }
 
 bool WriteNewFile(TextView fileSpec, TextView text, TextEncoding encoding) {
@@ -205,11 +207,12 @@ bool ConvertFile(TextView fileSpec) {
 
 }  // namespace
 
-bool AppendStringToFile(TextView fileSpec, TextView text, TextEncoding encoding) {
+bool AppendStringToFile(TextView fileSpec, TextView text, TextEncoding encoding,
+                        FlushToDisk flush) {
   if (text.empty()) return true;
   bool appended = false;
   Guarded(u"modAPIReadWriteFile.AppendStringToFile",
-          [&] { appended = AppendText(fileSpec, text, encoding); });
+          [&] { appended = AppendText(fileSpec, text, encoding, flush); });
   return appended;
 }
 

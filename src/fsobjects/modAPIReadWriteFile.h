@@ -12,8 +12,11 @@ namespace quillmarsh {
 
 // Adds the text's UTF-16 form, whatever the encoding, which only chooses the mark that a new or
 // empty file gets first: right for Utf16LittleEndian, and callers use it so. An empty text is a
-// success that makes no file.
-[[nodiscard]] bool AppendStringToFile(TextView fileSpec, TextView text, TextEncoding encoding);
+// success that makes no file. Later leaves it to the system when the text reaches the disk: for one
+// of many, of which a next one is written at once.
+enum class FlushToDisk { Now, Later };
+[[nodiscard]] bool AppendStringToFile(TextView fileSpec, TextView text, TextEncoding encoding,
+                                      FlushToDisk flush = FlushToDisk::Now);
 
 // Makes the file, with its mark, anew. False, with nothing done, for a file that is there and not
 // to be overwritten. An empty text deletes the file; a failure of that is told in a box and the

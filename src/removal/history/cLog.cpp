@@ -29,6 +29,7 @@ constexpr TextView kLogFileName = u"history.log";
 constexpr TextView kLineBreak = u"\r\n";
 // With so many characters in memory they go to the file.
 constexpr std::int32_t kFlushSize = 102401;
+constexpr auto kFlushInterval = std::chrono::seconds(1);
 
 // A layout is the entry itself but for the marks: %d the stamp, %l the label, %f the file, %q the
 // file in quotation marks, %t the target, %n the error number, %e the error text, %c the free text.
@@ -156,7 +157,9 @@ void cLog::AddToLogEntries(TextView text) {
     // A lost text counts too: where memory is short the next flush comes sooner.
     mCurrInMemoryLogSize += static_cast<std::int32_t>(text.size());
     if (mCurrInMemoryLogSize < kFlushSize) return;
+    mIsBatchFull = true;
     AppendInMemoryStringToLogFile();
+    mIsBatchFull = false;
     ResetInMemoryLog();
   });
 }
@@ -191,9 +194,15 @@ void cLog::SaveAs(TextView path) const {
 void cLog::AppendInMemoryStringToLogFile() {
   Guarded(u"cLog.AppendInMemoryStringToLogFile", [&] {
     if (mCurrInMemoryLogSize == 0) return;
+    // Of the batches of one long removal, which come many times a second, one a second waits for
+    // the disk. The last one always does.
+    const auto now = std::chrono::steady_clock::now();
+    const bool mayWait = mIsBatchFull && now - mLastFlush < kFlushInterval;
+    if (!mayWait) mLastFlush = now;
     // No copy is made, since this is also what makes room when memory is short.
     const bool isWritten = AppendStringToFile(LogFileSpec(), mLogBuffer.CurrentString(),
-                                              TextEncoding::Utf16LittleEndian);
+                                              TextEncoding::Utf16LittleEndian,
+                                              mayWait ? FlushToDisk::Later : FlushToDisk::Now);
     if (!isWritten) TellOfLostBatch();
   });
 }

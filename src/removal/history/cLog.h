@@ -6,6 +6,7 @@
 // the form that a person reads.
 #pragma once
 
+#include <chrono>
 #include <cstdint>
 #include <memory>
 
@@ -86,6 +87,8 @@ class cLog {
   bool mLogOnlyErrors = false;
   bool mLogInfoOnlyErrors = true;
   clsStringAppend mLogBuffer;
+  bool mIsBatchFull = false;  // while a batch is written because there is no room for more
+  std::chrono::steady_clock::time_point mLastFlush;
 };
 
 // The one log in use, made and released with the other program-wide objects.
