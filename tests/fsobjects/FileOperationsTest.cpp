@@ -181,6 +181,8 @@ TEST_F(FileOperations, WhatTheBinRefusesIsDeletedForGoodUnlessThatIsNotWanted) {
       {"too long", longPath, 0, true, true, 121,
        u"The source or destination path exceeded or would exceed MAX_PATH"},
       {"given up", u"C:\\d\\a.txt", 995, true, false, 995, u"An unknown error occurred."},
+      {"too many open files", u"C:\\d\\a.txt", 4, true, false, 4, u"An unknown error occurred."},
+      {"no memory", u"C:\\d\\a.txt", 8, true, false, 8, u"An unknown error occurred."},
       {"a mask", u"C:\\d\\*.txt", 0, false, false, 124,
        u"The paths in the source or destination were invalid"},
       {"a mask of folders", u"C:\\?\\", 0, false, false, 124,

@@ -36,8 +36,8 @@ struct OpenFile {
   std::uint32_t access = 0;  // specific rights
   std::uint32_t share = 0;
   std::int64_t position = 0;
-  bool isLocked = false;
   bool isForeign = false;  // held by another program
+  bool isLocked = false;
 };
 
 struct Search {
