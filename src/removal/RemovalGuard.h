@@ -11,8 +11,8 @@ namespace quillmarsh {
 class RemovalGuard {
  public:
   virtual ~RemovalGuard() = default;
-  // A refusal with the stop flag set counts as the stop and not as a failure.
-  // Asked just before the removal of a record (from 1) that is a member of the group (from 1).
+  // Asked just before the removal of a record (from 1) that is a member of the group (from 1). A
+  // refusal with the stop flag set counts as the stop, not as a failure, and needs no word.
   [[nodiscard]] virtual bool MayRemove(std::int32_t group, std::int32_t record) = 0;
   // Asked before a file takes the place of one that was moved to the DUPES folder earlier.
   [[nodiscard]] virtual bool MayReplace(TextView fileSpec, TextView existing) = 0;
