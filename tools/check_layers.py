@@ -20,9 +20,8 @@ BESIDE = {"pbcrc32": set()}
 FACES_KNOWN = {"fsobjects": {"pbcrc32"}}  # the host of the checksum library
 
 SYSTEM_HEADER = re.compile(
-    r"^(windows|winbase|winnt|shlobj|shlwapi|unistd|fcntl|dirent|poll|dlfcn|pwd|langinfo|glib|gio|"
+    r"^(windows|winbase|winnt|shlobj|shlwapi|shellapi|objbase|bcrypt|io|unistd|fcntl|dirent|poll|dlfcn|pwd|langinfo|glib|gio|"
     r"linux|sys|netinet)(/.*)?(\.h)?$|^(gio|glib|glib-object)[./]")
-LIBRARIES_ALLOWED = {"fsobjects": ["glib.h"]}  # the MD5 digest
 
 
 def room_of(path):
@@ -68,8 +67,7 @@ def wrong_arrows(source_folder):
                     yield f"{name}:{number}: {room} may not know {target_room} ({target})"
             elif target.startswith("Q") and room not in ("ui", "frame/startup"):
                 yield f"{name}:{number}: {room} may not know the toolkit ({target})"
-            elif (SYSTEM_HEADER.match(target) and room not in IMPLEMENTATIONS
-                  and target not in LIBRARIES_ALLOWED.get(room, [])):
+            elif SYSTEM_HEADER.match(target) and room not in IMPLEMENTATIONS:
                 yield f"{name}:{number}: system header in {room} ({target})"
 
 

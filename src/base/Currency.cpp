@@ -5,6 +5,7 @@
 #include <cmath>
 #include <limits>
 
+#include "base/CheckedArithmetic.h"
 #include "base/RuntimeError.h"
 
 namespace quillmarsh {
@@ -76,7 +77,7 @@ Text Currency::ToText() const {
 
 Currency Currency::SaturatingSum(Currency a, Currency b) {
   std::int64_t raw = 0;
-  if (__builtin_add_overflow(a.mRaw, b.mRaw, &raw)) {
+  if (AddOverflows(a.mRaw, b.mRaw, raw)) {
     raw = a.mRaw < 0 ? std::numeric_limits<std::int64_t>::min()
                      : std::numeric_limits<std::int64_t>::max();
   }

@@ -31,14 +31,17 @@ void AppendUtf8(std::string& bytes, char32_t point) {
   }
 }
 
+enum class LoneSurrogates { Replaced, Kept };
+
 struct Decoded {
   char32_t point = Replacement;
   std::size_t length = 1;
 };
 
 // The code point at the front of not empty bytes; the replacement and length 1 for what is no
-// UTF-8: a stray or missing tail byte, a longer form than needed, a surrogate, beyond U+10FFFF.
-Decoded DecodeFront(std::string_view bytes) {
+// UTF-8: a stray or missing tail byte, a longer form than needed, a surrogate that is not to be
+// kept, beyond U+10FFFF.
+Decoded DecodeFront(std::string_view bytes, LoneSurrogates surrogates) {
   static constexpr std::array<char32_t, 5> Smallest = {0, 0, 0x80, 0x800, 0x10000};
   const auto lead = static_cast<unsigned char>(bytes.front());
   if (lead < 0x80) return {lead, 1};
@@ -53,7 +56,9 @@ Decoded DecodeFront(std::string_view bytes) {
     if ((tail & 0xC0U) != 0x80U) return {};
     point = (point << 6U) | (tail & 0x3FU);
   }
-  if (point < Smallest[length] || point > 0x10FFFF || (point >= 0xD800 && point <= 0xDFFF))
+  const bool isSurrogate = IsHighSurrogate(point) || IsLowSurrogate(point);
+  if (point < Smallest[length] || point > 0x10FFFF ||
+      (isSurrogate && surrogates == LoneSurrogates::Replaced))
     return {};
   return {point, length};
 }
@@ -71,16 +76,15 @@ char ByteOfCodePage1252(char16_t unit) {
   return '?';
 }
 
-}  // namespace
-
-std::string ToUtf8(TextView text) {
+std::string Encoded(TextView text, LoneSurrogates surrogates) {
   std::string bytes;
   bytes.reserve(text.size());
   for (std::size_t i = 0; i < text.size(); ++i) {
     char32_t point = text[i];
     if (IsHighSurrogate(point) && i + 1 < text.size() && IsLowSurrogate(text[i + 1])) {
       point = 0x10000 + ((point - 0xD800) << 10U) + (static_cast<char32_t>(text[++i]) - 0xDC00);
-    } else if (IsHighSurrogate(point) || IsLowSurrogate(point)) {
+    } else if (surrogates == LoneSurrogates::Replaced &&
+               (IsHighSurrogate(point) || IsLowSurrogate(point))) {
       point = Replacement;
     }
     AppendUtf8(bytes, point);
@@ -88,11 +92,11 @@ std::string ToUtf8(TextView text) {
   return bytes;
 }
 
-Text FromUtf8(std::string_view bytes) {
+Text DecodedText(std::string_view bytes, LoneSurrogates surrogates) {
   Text text;
   text.reserve(bytes.size());
   while (!bytes.empty()) {
-    const Decoded decoded = DecodeFront(bytes);
+    const Decoded decoded = DecodeFront(bytes, surrogates);
     if (decoded.point < 0x10000) {
       text += static_cast<char16_t>(decoded.point);
     } else {
@@ -102,6 +106,24 @@ Text FromUtf8(std::string_view bytes) {
     bytes.remove_prefix(decoded.length);
   }
   return text;
+}
+
+}  // namespace
+
+std::string ToUtf8(TextView text) {
+  return Encoded(text, LoneSurrogates::Replaced);
+}
+
+Text FromUtf8(std::string_view bytes) {
+  return DecodedText(bytes, LoneSurrogates::Replaced);
+}
+
+std::string ToWtf8(TextView text) {
+  return Encoded(text, LoneSurrogates::Kept);
+}
+
+Text FromWtf8(std::string_view bytes) {
+  return DecodedText(bytes, LoneSurrogates::Kept);
 }
 
 Text DecimalText(std::int64_t number) {

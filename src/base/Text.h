@@ -18,6 +18,11 @@ using TextView = std::u16string_view;
 // Text of UTF-8. Each byte that is no UTF-8 becomes U+FFFD.
 [[nodiscard]] Text FromUtf8(std::string_view bytes);
 
+// The same, but a surrogate without its partner becomes three bytes by the plan of UTF-8, and they
+// come back: for names of systems that allow such halves in them.
+[[nodiscard]] std::string ToWtf8(TextView text);
+[[nodiscard]] Text FromWtf8(std::string_view bytes);
+
 // Decimal text of a whole number, with a leading minus where it is negative, without grouping.
 [[nodiscard]] Text DecimalText(std::int64_t number);
 

@@ -10,6 +10,7 @@
 #include <vector>
 
 #include "base/CaseMapping.h"
+#include "base/CheckedArithmetic.h"
 #include "base/RuntimeError.h"
 #include "base/TextEquality.h"
 
@@ -288,8 +289,8 @@ Currency CurrencyFromText(TextView text, const LocaleFacts& locale) {
   for (const char digit : digits + std::string(4 - decimals, '0')) {
     if (digit == '.') continue;
     const std::int64_t next = number.isNegative ? -(digit - '0') : digit - '0';
-    if (__builtin_mul_overflow(raw, std::int64_t{10}, &raw) ||
-        __builtin_add_overflow(raw, next, &raw))
+    std::int64_t tens = 0;
+    if (TimesTenOverflows(raw, tens) || AddOverflows(tens, next, raw))
       throw RuntimeError(runtime_error::Overflow);
   }
   return Currency::FromRaw(raw);

@@ -180,15 +180,16 @@ void AddRemovalOptions(CLI::App& app, RemoveArguments& remove) {
 
 // The parser takes a folder such as "[old]" for a list; "./[old]" is the same folder and a plain
 // text.
-std::vector<std::string> WithPlainFolders(const CLI::App& app, int argc, const char* const* argv) {
+std::vector<std::string> WithPlainFolders(const CLI::App& app,
+                                          const std::vector<std::string>& given) {
   const auto commands = app.get_subcommands(
-      [&](const CLI::App* command) { return argc > 1 && command->check_name(argv[1]); });
+      [&](const CLI::App* command) { return given.size() > 1 && command->check_name(given[1]); });
   const CLI::App* const command = commands.empty() ? nullptr : commands.front();
   std::vector<std::string> arguments;
   bool isValue = false;
   bool areAllFolders = false;
-  for (int i = 1; i < argc; ++i) {
-    std::string argument = argv[i];
+  for (std::size_t i = 1; i < given.size(); ++i) {
+    std::string argument = given[i];
     if (argument.starts_with("--") && !areAllFolders && !isValue) {
       areAllFolders = argument == "--";
       const CLI::Option* option =
@@ -218,12 +219,13 @@ void PrintShown(std::ostream& stream, const std::string& text) {
 
 }  // namespace
 
-ParsedCommandLine ParseCommandLine(int argc, const char* const* argv) {
+ParsedCommandLine ParseCommandLine(const std::vector<std::string>& arguments) {
   CLI::App app("Finds duplicate files and helps to get rid of them.", "quillmarsh-cli");
   app.formatter(std::make_shared<PlainFormatter>());
   app.footer("\nquillmarsh-cli COMMAND --help tells the options of a command.");
   app.set_version_flag("--version", std::string("quillmarsh-cli ") + QUILLMARSH_VERSION);
   app.require_subcommand(1);
+  app.allow_windows_style_options(false);  // "/folder" is a path on every system
 
   SearchArguments search;
   CLI::App* searchCommand = app.add_subcommand(
@@ -265,9 +267,9 @@ ParsedCommandLine ParseCommandLine(int argc, const char* const* argv) {
 
   ParsedCommandLine parsed;
   try {
-    std::vector<std::string> arguments = WithPlainFolders(app, argc, argv);
-    std::reverse(arguments.begin(), arguments.end());  // as the parser wants them
-    app.parse(std::move(arguments));
+    std::vector<std::string> plain = WithPlainFolders(app, arguments);
+    std::reverse(plain.begin(), plain.end());  // as the parser wants them
+    app.parse(std::move(plain));
     if (searchCommand->parsed()) parsed.search = std::move(search);
     if (selectCommand->parsed()) parsed.select = std::move(select);
     if (removeCommand->parsed()) parsed.remove = std::move(remove);

@@ -68,8 +68,8 @@ struct ParsedCommandLine {
   }
 };
 
-// Reads the command line. Help goes to standard output, a mistake to standard error with what is
-// wrong.
-[[nodiscard]] ParsedCommandLine ParseCommandLine(int argc, const char* const* argv);
+// Reads the command line, of which the program's name is the first argument. Help goes to standard
+// output, a mistake to standard error with what is wrong.
+[[nodiscard]] ParsedCommandLine ParseCommandLine(const std::vector<std::string>& arguments);
 
 }  // namespace quillmarsh

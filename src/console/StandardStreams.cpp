@@ -57,15 +57,17 @@ bool StandardOutput::Finish() {
 
 void PrintProgressLine(std::string_view line) {
   if (line.empty() && !hasProgressLine) return;
-  std::fputs("\r\033[K", stderr);
-  std::fwrite(line.data(), 1, line.size(), stderr);
+  const std::string whole = "\r\033[K" + std::string(line);
+  std::fwrite(whole.data(), 1, whole.size(), stderr);
   std::fflush(stderr);
   hasProgressLine = !line.empty();
 }
 
 void PrintError(std::string_view message) {
   PrintProgressLine({});
-  std::fprintf(stderr, "quillmarsh-cli: %.*s\n", static_cast<int>(message.size()), message.data());
+  // In one piece, since a console may take a write for whole characters.
+  const std::string line = "quillmarsh-cli: " + std::string(message) + "\n";
+  std::fwrite(line.data(), 1, line.size(), stderr);
 }
 
 std::string ShownArgument(std::string_view argument) {

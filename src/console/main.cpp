@@ -3,8 +3,8 @@
 #include <exception>
 
 #include "console/Arguments.h"
+#include "console/Entry.h"
 #include "console/HistoryCommand.h"
-#include "console/MakeMachine.h"
 #include "console/ProgramObjects.h"
 #include "console/RemoveCommand.h"
 #include "console/SearchCommand.h"
@@ -26,10 +26,10 @@ ExitCode RunCommand(const ParsedCommandLine& commandLine, ProgramObjects& object
 
 int main(int argc, char** argv) {
   try {
-    const ParsedCommandLine commandLine = ParseCommandLine(argc, argv);
+    Entry entry(argc, argv);
+    const ParsedCommandLine commandLine = ParseCommandLine(entry.Arguments());
     if (!commandLine.HasCommand()) return static_cast<int>(commandLine.exitCode);
-    const std::unique_ptr<Machine> machine = MakeMachine();
-    ProgramObjects objects(*machine);
+    ProgramObjects objects(entry.GetMachine());
     if (!objects.IsUsable()) return static_cast<int>(ExitCode::Refused);
     return static_cast<int>(RunCommand(commandLine, objects));
   } catch (const std::exception& error) {

@@ -2,8 +2,6 @@
 // The choice of the way, and the program's own way: one block after the other, in sequence.
 #include "fsobjects/FileChecksum.h"
 
-#include <libdeflate.h>
-
 #include <algorithm>
 #include <span>
 #include <vector>
@@ -17,6 +15,7 @@
 #include "fsobjects/cBinaryFileStream.h"
 #include "fsobjects/modUnicode.h"
 #include "pbcrc32/BlockPace.h"
+#include "pbcrc32/Crc32.h"
 #include "pbcrc32/ProgressText.h"
 #include "pbcrc32/pbcrc32.h"
 
@@ -80,7 +79,7 @@ std::uint32_t ReadWhole(HANDLE file) {
     if (!TheMachine().Files().ReadFile(file, std::span(block).first(length), done))
       RaiseLastError(ERROR_IO_DEVICE);
     pace.Done();
-    crc = libdeflate_crc32(crc, block.data(), done);
+    crc = Crc32(crc, block.data(), done);
     position += done;
     DoEvents_Fast();
     // A file that grows as fast as it is read would otherwise never end.

@@ -2,14 +2,12 @@
 // One reader of blocks under both facts. A failure anywhere makes the fact unknown, never partial.
 #include "fsobjects/WholeFileReading.h"
 
-#include <glib.h>
-
 #include <array>
-#include <memory>
 #include <vector>
 
 #include "fsobjects/Handles.h"
 #include "fsobjects/modUnicode.h"
+#include "platform/Md5.h"
 
 namespace quillmarsh {
 namespace {
@@ -35,10 +33,6 @@ bool ReadBlocks(TextView path, Take&& take) {
   return false;
 }
 
-struct ChecksumRelease {
-  void operator()(GChecksum* checksum) const { g_checksum_free(checksum); }
-};
-
 constexpr bool IsPlainText(unsigned byte) {
   return byte == '\t' || byte == '\n' || byte == '\r' || (byte >= 0x20 && byte <= 0x7E);
 }
@@ -46,13 +40,10 @@ constexpr bool IsPlainText(unsigned byte) {
 }  // namespace
 
 std::optional<Text> Md5OfFile(TextView path) {
-  const std::unique_ptr<GChecksum, ChecksumRelease> digest(g_checksum_new(G_CHECKSUM_MD5));
-  const bool whole = ReadBlocks(path, [&](std::span<const std::byte> block) {
-    g_checksum_update(digest.get(), reinterpret_cast<const guchar*>(block.data()),
-                      static_cast<gssize>(block.size()));
-  });
-  if (!whole) return std::nullopt;
-  return FromUtf8(g_checksum_get_string(digest.get()));
+  Md5 digest;
+  if (!ReadBlocks(path, [&](std::span<const std::byte> block) { digest.Add(block); }))
+    return std::nullopt;
+  return digest.Finish();
 }
 
 std::optional<std::int32_t> PlainTextPercentage(TextView path, bool highCharactersToo) {

@@ -5,7 +5,6 @@
 // pumps and shows progress.
 #include "pbcrc32/pbcrc32.h"
 
-#include <libdeflate.h>
 #include <zlib.h>
 
 #include <algorithm>
@@ -23,6 +22,7 @@
 #include <vector>
 
 #include "pbcrc32/BlockPace.h"
+#include "pbcrc32/Crc32.h"
 #include "pbcrc32/ProgressText.h"
 
 namespace pbcrc32 {
@@ -88,7 +88,7 @@ Failure ShortFile(const PB_OpenedFile& opened, std::uint32_t& crc) {
   const Block buffer = MakeBlock(size + 1);
   std::uint32_t done = 0;
   if (const std::int32_t code = ReadAt(opened, 0, buffer.get(), size + 1, done)) return {code};
-  crc = libdeflate_crc32(0, buffer.get(), done);
+  crc = Crc32(0, buffer.get(), done);
   if (callbacks.PumpAndKeepGoing(callbacks.context) == 0) return GivenUp;
   if (done == size) return {};
   return done > size ? Changed : WhyItEnds(opened, done, buffer.get());
@@ -105,7 +105,7 @@ Failure OneThread(const PB_OpenedFile& opened, std::uint32_t& crc) {
     if (const std::int32_t code = ReadAt(opened, position, buffer.get(), length, done))
       return {code};
     pace.Done();
-    crc = libdeflate_crc32(crc, buffer.get(), done);
+    crc = Crc32(crc, buffer.get(), done);
     position += done;
     if (!host.KeepGoing(position)) return GivenUp;
     if (position > opened.size) return Changed;
@@ -133,7 +133,7 @@ class SharedReading {
       Fail(failure);
       return false;
     }
-    mCrcs[index] = libdeflate_crc32(0, buffer, length);
+    mCrcs[index] = Crc32(0, buffer, length);
     mDone.fetch_add(length, std::memory_order_relaxed);
     return true;
   }

@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <cstring>
 
+#include "base/CheckedArithmetic.h"
 #include "platform/ExecutableFormats.h"
 #include "platform/simulated/SimulatedRoles.h"
 
@@ -179,7 +180,7 @@ bool SimulatedFiles::DoSetPointer(HANDLE file, std::int64_t distance, std::int64
   else if (method != FILE_BEGIN)
     return Fail(ERROR_INVALID_PARAMETER, false);
   std::int64_t target = 0;
-  if (__builtin_add_overflow(start, distance, &target)) return Fail(ERROR_INVALID_PARAMETER, false);
+  if (AddOverflows(start, distance, target)) return Fail(ERROR_INVALID_PARAMETER, false);
   if (target < 0) return Fail(ERROR_NEGATIVE_SEEK, false);
   open->position = target;
   newPosition = target;

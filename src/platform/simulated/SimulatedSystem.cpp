@@ -4,6 +4,7 @@
 #include <algorithm>
 
 #include "base/CaseMapping.h"
+#include "base/CheckedArithmetic.h"
 #include "platform/ExecutableFormats.h"
 #include "platform/simulated/SimulatedSystemRoles.h"
 
@@ -241,8 +242,8 @@ FILETIME SimulatedLocale::DoGetLocalTime() {
 
 bool SimulatedLocale::DoToLocal(const FILETIME& utc, FILETIME& local) {
   std::int64_t ticks = 0;
-  if (utc.Ticks() < 0 ||
-      __builtin_sub_overflow(utc.Ticks(), mWorld->zoneBias * ticksPerMinute, &ticks) || ticks < 0)
+  if (utc.Ticks() < 0 || SubtractOverflows(utc.Ticks(), mWorld->zoneBias * ticksPerMinute, ticks) ||
+      ticks < 0)
     return Fail(ERROR_INVALID_PARAMETER, false);
   local = FILETIME::FromTicks(ticks);
   return true;
@@ -250,8 +251,8 @@ bool SimulatedLocale::DoToLocal(const FILETIME& utc, FILETIME& local) {
 
 bool SimulatedLocale::DoToUtc(const FILETIME& local, FILETIME& utc) {
   std::int64_t ticks = 0;
-  if (local.Ticks() < 0 ||
-      __builtin_add_overflow(local.Ticks(), mWorld->zoneBias * ticksPerMinute, &ticks) || ticks < 0)
+  if (local.Ticks() < 0 || AddOverflows(local.Ticks(), mWorld->zoneBias * ticksPerMinute, ticks) ||
+      ticks < 0)
     return Fail(ERROR_INVALID_PARAMETER, false);
   utc = FILETIME::FromTicks(ticks);
   return true;

@@ -1,0 +1,76 @@
+# The libraries under one set of names, whichever way a system tells where they are: pkg-config on
+# Linux and MSYS2, package files of CMake elsewhere. Cross-compiled, those that are headers alone are
+# taken from the system that builds.
+
+# quillmarsh_library(NAME PKG_CONFIG_MODULE PACKAGE TARGETS...): makes the target NAME and sets
+# NAME_FOUND. The first of TARGETS that the package defines is taken.
+macro(quillmarsh_library name module package)
+  add_library(${name} INTERFACE)
+  set(${name}_FOUND OFF)
+  if(PkgConfig_FOUND AND NOT CMAKE_CROSSCOMPILING)
+    pkg_check_modules(${name}_pkg QUIET IMPORTED_TARGET ${module})
+    if(${name}_pkg_FOUND)
+      target_link_libraries(${name} INTERFACE PkgConfig::${name}_pkg)
+      set(${name}_FOUND ON)
+    endif()
+  endif()
+  if(NOT ${name}_FOUND)
+    find_package(${package} QUIET)
+    foreach(target ${ARGN})
+      if(NOT ${name}_FOUND AND TARGET ${target})
+        target_link_libraries(${name} INTERFACE ${target})
+        set(${name}_FOUND ON)
+      endif()
+    endforeach()
+  endif()
+endmacro()
+
+# A library of headers, by one of them below the include folder of the system that builds.
+macro(quillmarsh_header_library name package header)
+  set(${name}_link ${CMAKE_BINARY_DIR}/headers/${header})
+  if(CMAKE_CROSSCOMPILING AND EXISTS /usr/include/${header} AND NOT EXISTS ${${name}_link})
+    file(MAKE_DIRECTORY ${CMAKE_BINARY_DIR}/headers)
+    file(CREATE_LINK /usr/include/${header} ${${name}_link} SYMBOLIC)
+  endif()
+  if(EXISTS ${${name}_link})
+    add_library(${name} INTERFACE)
+    target_include_directories(${name} SYSTEM INTERFACE ${CMAKE_BINARY_DIR}/headers)
+    set(${name}_FOUND ON)
+  else()
+    quillmarsh_library(${name} ${package} ${package} ${ARGN})
+  endif()
+endmacro()
+
+macro(quillmarsh_need)
+  foreach(name ${ARGN})
+    if(NOT ${name}_FOUND)
+      message(FATAL_ERROR "A library is missing: ${name}")
+    endif()
+  endforeach()
+endmacro()
+
+find_package(Threads REQUIRED)
+find_package(PkgConfig QUIET)
+
+quillmarsh_header_library(xxhash_headers xxHash xxhash.h xxHash::xxhash)
+if(NOT xxhash_headers_FOUND)
+  pkg_check_modules(xxhash_pkg REQUIRED IMPORTED_TARGET libxxhash)
+  target_link_libraries(xxhash_headers INTERFACE PkgConfig::xxhash_pkg)
+  set(xxhash_headers_FOUND ON)
+endif()
+quillmarsh_header_library(cli11_headers CLI11 CLI CLI11::CLI11)
+quillmarsh_header_library(json_headers nlohmann_json nlohmann nlohmann_json::nlohmann_json)
+quillmarsh_library(zlib_library zlib ZLIB ZLIB::ZLIB)
+quillmarsh_library(deflate_library libdeflate libdeflate
+  libdeflate::libdeflate_shared libdeflate::libdeflate_static)
+quillmarsh_need(xxhash_headers cli11_headers json_headers zlib_library)
+if(deflate_library_FOUND)
+  target_compile_definitions(deflate_library INTERFACE QUILLMARSH_WITH_LIBDEFLATE)
+elseif(NOT CMAKE_CROSSCOMPILING)
+  message(FATAL_ERROR "A library is missing: libdeflate")
+endif()
+
+# The MD5 digest is the system's own on Windows.
+if(NOT WIN32)
+  pkg_check_modules(GLIB REQUIRED IMPORTED_TARGET glib-2.0)
+endif()

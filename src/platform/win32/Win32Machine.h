@@ -1,0 +1,35 @@
+// SPDX-License-Identifier: MIT
+// A Windows machine: the system's own calls in their wide forms. Paths mean exactly what they say,
+// and copies are whole or not there; nothing else is added to the calls.
+#pragma once
+
+#include <functional>
+#include <memory>
+
+#include "platform/Machine.h"
+
+namespace quillmarsh {
+
+class Win32Machine final : public Machine {
+ public:
+  // `queueStatus` answers GetQueueStatus in place of the system.
+  explicit Win32Machine(std::function<std::uint32_t(std::uint32_t)> queueStatus = {});
+  ~Win32Machine() override;
+
+  Finding& Find() override;
+  FileInputOutput& Files() override;
+  DiskChange& Disk() override;
+  Volumes& Drives() override;
+  Access& Security() override;
+  Shell& Desktop() override;
+  VersionResources& Versions() override;
+  Modules& Process() override;
+  LocaleAndTime& Locale() override;
+  QueueAndMailbox& Queue() override;
+
+ private:
+  struct Roles;
+  std::unique_ptr<Roles> mRoles;
+};
+
+}  // namespace quillmarsh
