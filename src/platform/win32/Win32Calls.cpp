@@ -37,6 +37,12 @@ std::wstring ExactPath(TextView path) {
   return Wide(path);
 }
 
+std::uint32_t PathArgument::Refusal() const {
+  if (mPath.find(L'\0') != std::wstring::npos) return ERROR_INVALID_NAME;
+  const bool beginsAtRoot = mPath.starts_with(L"\\\\") || BeginsWithDrive(Narrow(mPath));
+  return mPath.empty() || beginsAtRoot ? ERROR_SUCCESS : ERROR_BAD_PATHNAME;
+}
+
 Text PlainPath(std::wstring_view path) {
   constexpr std::wstring_view uncPrefix = L"\\\\?\\UNC\\";
   constexpr std::wstring_view prefix = L"\\\\?\\";

@@ -39,11 +39,13 @@ static_assert(sizeof(wchar_t) == sizeof(char16_t));
 // The way back, for an answer of the system: without the prefix, where the form without it exists.
 [[nodiscard]] Text PlainPath(std::wstring_view path);
 
-// A path on its way into a call. What holds a NUL would be another path there.
+// A path on its way into a call. What holds a NUL would be another path there, and what does not
+// begin at a root would be taken from wherever the program was started.
 class PathArgument {
  public:
   PathArgument(TextView path) : mPath(ExactPath(path)) {}
-  [[nodiscard]] bool IsUsable() const { return mPath.find(L'\0') == std::wstring::npos; }
+  // 0, or the code with which the path is not handed to the system.
+  [[nodiscard]] std::uint32_t Refusal() const;
   [[nodiscard]] const wchar_t* Get() const { return mPath.c_str(); }
 
  private:
@@ -58,12 +60,12 @@ auto Forward(CallState& calls, Call&& call) {
   calls.lastError = ::GetLastError();
   return answer;
 }
-// The same for a call on a path: `failure` with the code 123 where that cannot be asked for.
+// The same for a call on a path: `failure`, with its code, where the path is refused.
 template <typename Failure, typename Call>
 Failure ForwardPath(CallState& calls, TextView path, Failure failure, Call&& call) {
   const PathArgument argument(path);
-  if (!argument.IsUsable()) {
-    calls.lastError = ERROR_INVALID_NAME;
+  if (const std::uint32_t code = argument.Refusal()) {
+    calls.lastError = code;
     return failure;
   }
   return Forward(calls, [&]() -> Failure { return call(argument.Get()); });

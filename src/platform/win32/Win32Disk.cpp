@@ -15,7 +15,7 @@ bool Win32Disk::DoDeleteFile(TextView path) {
 
 bool Win32Disk::DoMoveFile(TextView existing, TextView newPath, std::uint32_t flags) {
   const win32::PathArgument target(newPath);
-  if (!target.IsUsable()) return Fail(ERROR_INVALID_NAME, false);
+  if (const std::uint32_t code = target.Refusal()) return Fail(code, false);
   const bool isMoved = ForwardPath(mCalls, existing, false, [&](const wchar_t* source) {
     return ::MoveFileExW(source, target.Get(), flags & ~DWORD{MOVEFILE_COPY_ALLOWED}) != FALSE;
   });
@@ -36,7 +36,8 @@ bool Win32Disk::DoMoveFile(TextView existing, TextView newPath, std::uint32_t fl
 bool Win32Disk::DoCopyFile(TextView existing, TextView newPath, bool failIfExists) {
   const win32::PathArgument source(existing);
   const win32::PathArgument target(newPath);
-  if (!source.IsUsable() || !target.IsUsable()) return Fail(ERROR_INVALID_NAME, false);
+  for (const auto* path : {&source, &target})
+    if (const std::uint32_t code = path->Refusal()) return Fail(code, false);
   const std::uint32_t code =
       win32::CopyWhole(source.Get(), target.Get(),
                        failIfExists ? win32::WhenTaken::Fail : win32::WhenTaken::Replace);
