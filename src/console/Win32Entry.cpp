@@ -15,9 +15,12 @@ Entry::Entry(int /*argc*/, char** /*argv*/)
 Entry::~Entry() = default;
 
 Machine& Entry::GetMachine() {
-  // A console program has no queue that could be asked; what may wait is a stop.
-  if (mMachine == nullptr)
-    mMachine = std::make_unique<Win32Machine>([](std::uint32_t kinds) { return kinds; });
+  if (mMachine == nullptr) {
+    Win32Options options;
+    // A console program has no queue that could be asked; what may wait is a stop.
+    options.queueStatus = [](std::uint32_t kinds) { return kinds; };
+    mMachine = std::make_unique<Win32Machine>(options);
+  }
   return *mMachine;
 }
 

@@ -12,17 +12,17 @@
 namespace quillmarsh {
 
 struct Win32Machine::Roles {
-  Roles(CallState& calls, std::function<std::uint32_t(std::uint32_t)> queueStatus)
+  Roles(CallState& calls, const Win32Options& options)
       : find(calls),
         files(calls),
         disk(calls),
         drives(calls),
         security(calls),
-        desktop(calls),
+        desktop(calls, options.localData),
         versions(calls),
         process(calls),
         locale(calls),
-        queue(calls, std::move(queueStatus)) {}
+        queue(calls, options.queueStatus) {}
 
   Win32Finding find;
   Win32Files files;
@@ -36,8 +36,8 @@ struct Win32Machine::Roles {
   Win32Queue queue;
 };
 
-Win32Machine::Win32Machine(std::function<std::uint32_t(std::uint32_t)> queueStatus)
-    : mRoles(std::make_unique<Roles>(mCalls, std::move(queueStatus))) {}
+Win32Machine::Win32Machine(const Win32Options& options)
+    : mRoles(std::make_unique<Roles>(mCalls, options)) {}
 
 Win32Machine::~Win32Machine() = default;
 

@@ -5,15 +5,21 @@
 
 #include <functional>
 #include <memory>
+#include <optional>
 
 #include "platform/Machine.h"
 
 namespace quillmarsh {
 
+// What is not asked of the system.
+struct Win32Options {
+  std::function<std::uint32_t(std::uint32_t)> queueStatus;  // answers GetQueueStatus
+  std::optional<Text> localData;                            // the folder CSIDL_LOCAL_APPDATA
+};
+
 class Win32Machine final : public Machine {
  public:
-  // `queueStatus` answers GetQueueStatus in place of the system.
-  explicit Win32Machine(std::function<std::uint32_t(std::uint32_t)> queueStatus = {});
+  explicit Win32Machine(const Win32Options& options = {});
   ~Win32Machine() override;
 
   Finding& Find() override;

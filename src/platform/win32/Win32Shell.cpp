@@ -16,6 +16,7 @@ using win32::Forward;
 using win32::Wide;
 
 Text Win32Shell::DoGetFolder(std::int32_t csidl) {
+  if (csidl == CSIDL_LOCAL_APPDATA && mLocalData) return *mLocalData;
   return Forward(mCalls, [&] {
     std::array<wchar_t, MAX_PATH> path{};
     const bool isThere =

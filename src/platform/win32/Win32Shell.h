@@ -4,13 +4,17 @@
 // the shell asks about that only where it may show a window.
 #pragma once
 
+#include <optional>
+
 #include "platform/win32/Win32Calls.h"
 
 namespace quillmarsh {
 
 class Win32Shell final : public Shell {
  public:
-  explicit Win32Shell(CallState& calls) : Shell(calls), mCalls(calls) {}
+  // `localData` stands for the user's folder for such data where it is given.
+  Win32Shell(CallState& calls, std::optional<Text> localData)
+      : Shell(calls), mCalls(calls), mLocalData(std::move(localData)) {}
 
  private:
   Text DoGetFolder(std::int32_t csidl) override;
@@ -24,6 +28,7 @@ class Win32Shell final : public Shell {
   std::vector<Text> DoRecycleBinMarks() override { return {}; }
 
   CallState& mCalls;
+  const std::optional<Text> mLocalData;
 };
 
 }  // namespace quillmarsh
