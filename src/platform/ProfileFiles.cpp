@@ -67,12 +67,25 @@ bool ChangeProfile(Machine& machine, TextView fileName, IfMissing ifMissing, Cha
   return (exists && changed == bytes) || ReplaceFileContents(machine, path, changed);
 }
 
+// What may stand before the digits, in small letters only, and the base that it means.
+std::uint32_t TakeBase(TextView& text) {
+  struct Prefix {
+    TextView text;
+    std::uint32_t base;
+  };
+  static constexpr Prefix prefixes[] = {{u"0x", 16}, {u"0o", 8}, {u"0b", 2}};
+  for (const Prefix& prefix : prefixes) {
+    if (!text.starts_with(prefix.text)) continue;
+    text.remove_prefix(prefix.text.size());
+    return prefix.base;
+  }
+  return 10;
+}
+
 std::int32_t NumberAtStart(TextView text) {
   const bool isNegative = text.starts_with(u'-');
   if (isNegative || text.starts_with(u'+')) text.remove_prefix(1);
-  const bool isHexadecimal = text.starts_with(u"0x") || text.starts_with(u"0X");
-  if (isHexadecimal) text.remove_prefix(2);
-  const std::uint32_t base = isHexadecimal ? 16 : 10;
+  const std::uint32_t base = TakeBase(text);
   std::uint32_t number = 0;
   for (const char16_t unit : text) {
     const TextView digits = u"0123456789abcdefABCDEF";

@@ -23,8 +23,8 @@ std::uint32_t GetPrivateProfileStringW(Machine& machine, TextView section, TextV
                                        TextView defaultText, std::span<char16_t> buffer,
                                        TextView fileName);
 
-// The number that the value begins with, in decimal or behind "0x" in hexadecimal, its low 32 bits;
-// 0 where it begins with none. The default where the value is missing or empty.
+// The number that the value begins with, in decimal, or behind "0x", "0o" or "0b" in base 16, 8 or
+// 2, its low 32 bits; 0 where it begins with none. The default where the value is missing or empty.
 [[nodiscard]] std::int32_t GetPrivateProfileIntW(Machine& machine, TextView section, TextView key,
                                                  std::int32_t defaultValue, TextView fileName);
 

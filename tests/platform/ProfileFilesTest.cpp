@@ -136,9 +136,10 @@ TEST_F(ProfileFilesTest, NumbersAreWhatAValueBeginsWith) {
     const char* value;
     std::int32_t number;
   };
-  const Row table[] = {{"12", 12},         {"-12", -12}, {"+7", 7},    {"12abc", 12},
-                       {"abc", 0},         {"", 99},     {"\"\"", 99}, {"0x1fG", 31},
-                       {"4294967295", -1}, {"'5'", 5},   {"1.9", 1},   {" 3 ", 3}};
+  const Row table[] = {{"12", 12},         {"-12", -12},  {"+7", 7},      {"12abc", 12},
+                       {"abc", 0},         {"", 99},      {"\"\"", 99},   {"0x1fG", 31},
+                       {"4294967295", -1}, {"'5'", 5},    {"1.9", 1},     {" 3 ", 3},
+                       {"0X1f", 0},        {"0b1012", 5}, {"-0o178", -15}};
   for (const Row& row : table) {
     SetFile("[S]\r\nkey=" + std::string(row.value) + "\r\n");
     EXPECT_EQ(GetPrivateProfileIntW(machine, u"s", u"key", 99, file), row.number) << row.value;
