@@ -100,9 +100,7 @@ void MovingToAFreeName(MachineUnderTest& ground) {
       {"missing folder", u"none\\a", u"x", ERROR_PATH_NOT_FOUND},
       {"missing target folder", u"other\\b", u"none\\x", ERROR_PATH_NOT_FOUND},
       {"below a file", u"other\\moved", u"other\\b\\x", ERROR_PATH_NOT_FOUND},
-      {"a file as a folder", u"other\\b", u"x\\", ERROR_INVALID_NAME},
       {"a name that cannot be", u"other\\b", u"x?", ERROR_INVALID_NAME},
-      {"below itself", u"other", u"other\\moved\\x", ERROR_SHARING_VIOLATION},
   };
   for (const Row& row : table)
     EXPECT_EQ(Move(ground, row.from, row.to, replace), row.code) << row.name;
@@ -121,21 +119,36 @@ void MovingNeverReplacesUnasked(MachineUnderTest& ground) {
                                  {u"a", u"folder"},
                                  {u"folder", u"a"},
                                  {u"folder", u"empty"},
-                                 {u"empty", u"folder"},
-                                 {u"a", u"empty\\"}}) {
-    const bool isFileAsFolder = to.ends_with(u'\\');
-    EXPECT_EQ(Move(ground, from, to, MOVEFILE_COPY_ALLOWED),
-              isFileAsFolder ? ERROR_INVALID_NAME : ERROR_ALREADY_EXISTS)
+                                 {u"empty", u"folder"}})
+    EXPECT_EQ(Move(ground, from, to, MOVEFILE_COPY_ALLOWED), ERROR_ALREADY_EXISTS)
         << ToUtf8(from) << " to " << ToUtf8(to);
-  }
   EXPECT_EQ(Move(ground, u"a", u"a"), 0U) << "onto itself";
   EXPECT_EQ(Move(ground, u"folder", u"folder"), 0U) << "a folder onto itself";
+  EXPECT_EQ(Ground(ground), before);
+}
+
+void MovingToAPlaceThatCannotBe(MachineUnderTest& ground) {
+  ground.MakeFile(u"folder\\a", "1");
+  ground.MakeFolder(u"folder\\empty");
+  const std::string before = Ground(ground);
+  EXPECT_EQ(Move(ground, u"folder\\a", u"x\\", replace), ERROR_INVALID_NAME);
+  EXPECT_EQ(Move(ground, u"folder\\a", u"folder\\empty\\"), ERROR_INVALID_NAME);
+  EXPECT_EQ(Move(ground, u"folder", u"folder\\empty\\x", replace), ERROR_SHARING_VIOLATION);
   EXPECT_EQ(Ground(ground), before);
 }
 
 void MovingWithReplace(MachineUnderTest& ground) {
   ground.MakeFile(u"a", "1");
   ground.MakeFile(u"b", "2");
+  ground.MakeFile(u"kept", "3");
+  ground.SetReadOnly(u"kept", true);
+  EXPECT_EQ(Move(ground, u"a", u"a", replace), 0U);
+  EXPECT_EQ(Move(ground, u"kept", u"b", replace | MOVEFILE_WRITE_THROUGH), 0U);
+  EXPECT_EQ(Ground(ground), "a=1 b=3 ");
+}
+
+void MovingReplacesFilesOnly(MachineUnderTest& ground) {
+  ground.MakeFile(u"a", "1");
   ground.MakeFile(u"kept", "3");
   ground.MakeFolder(u"folder");
   ground.MakeFolder(u"other");
@@ -145,10 +158,7 @@ void MovingWithReplace(MachineUnderTest& ground) {
   EXPECT_EQ(Move(ground, u"a", u"folder", replace), ERROR_ACCESS_DENIED);
   EXPECT_EQ(Move(ground, u"folder", u"a", replace), ERROR_ACCESS_DENIED);
   EXPECT_EQ(Move(ground, u"folder", u"other", replace), ERROR_ACCESS_DENIED);
-  EXPECT_EQ(Move(ground, u"a", u"a", replace), 0U);
   EXPECT_EQ(Ground(ground), before);
-  EXPECT_EQ(Move(ground, u"kept", u"b", replace | MOVEFILE_WRITE_THROUGH), 0U);
-  EXPECT_EQ(Ground(ground), "a=1 b=3 folder\\ other\\ ");
 }
 
 void MovingChangesCase(MachineUnderTest& ground) {
@@ -231,12 +241,16 @@ void ReplacingWhole(MachineUnderTest& ground) {
   Machine& machine = ground.Get();
   EXPECT_TRUE(ReplaceFileContents(machine, ground.PathOf(u"new.ini"), "first"));
   EXPECT_TRUE(ReplaceFileContents(machine, ground.PathOf(u"new.ini"), "2nd"));
-  EXPECT_EQ(Ground(ground), "new.ini=2nd ");
-  ground.SetReadOnly(u"new.ini", true);
-  EXPECT_FALSE(ReplaceFileContents(machine, ground.PathOf(u"new.ini"), "3rd"));
-  EXPECT_EQ(machine.GetLastError(), ERROR_ACCESS_DENIED);
   EXPECT_FALSE(ReplaceFileContents(machine, ground.PathOf(u"none\\new.ini"), "3rd"));
   EXPECT_EQ(machine.GetLastError(), ERROR_PATH_NOT_FOUND);
+  EXPECT_EQ(Ground(ground), "new.ini=2nd ");
+}
+
+void ReplacingReadOnly(MachineUnderTest& ground) {
+  ground.MakeFile(u"new.ini", "2nd");
+  ground.SetReadOnly(u"new.ini", true);
+  EXPECT_FALSE(ReplaceFileContents(ground.Get(), ground.PathOf(u"new.ini"), "3rd"));
+  EXPECT_EQ(ground.Get().GetLastError(), ERROR_ACCESS_DENIED);
   EXPECT_EQ(Ground(ground), "new.ini=2nd ");
 }
 
@@ -261,25 +275,27 @@ void SettingReadOnly(MachineUnderTest& ground) {
 void RemovingFolders(MachineUnderTest& ground) {
   ground.MakeFile(u"folder\\in", "1");
   ground.MakeFolder(u"empty");
-  ground.MakeFolderLink(u"link", u"folder");
   struct Row {
     TextView path;
     std::uint32_t code;
   };
   const Row table[] = {
-      {u"folder", ERROR_DIR_NOT_EMPTY},
-      {u"folder\\in", ERROR_DIRECTORY},
-      {u"none", ERROR_FILE_NOT_FOUND},
-      {u"none\\empty", ERROR_PATH_NOT_FOUND},
-      {u"folder\\in\\x", ERROR_PATH_NOT_FOUND},
-      {u"link", 0},
-      {u"empty\\", 0},
+      {u"folder", ERROR_DIR_NOT_EMPTY},         {u"folder\\in", ERROR_DIRECTORY},
+      {u"none", ERROR_FILE_NOT_FOUND},          {u"none\\empty", ERROR_PATH_NOT_FOUND},
+      {u"folder\\in\\x", ERROR_PATH_NOT_FOUND}, {u"empty\\", 0},
       {u"empty", ERROR_FILE_NOT_FOUND},
   };
   for (const Row& row : table) {
     const bool isGone = ground.Get().Disk().RemoveDirectoryW(ground.PathOf(row.path));
     EXPECT_EQ(isGone ? 0 : ground.Get().GetLastError(), row.code) << ToUtf8(row.path);
   }
+  EXPECT_EQ(Ground(ground), "folder\\ folder\\in=1 ");
+}
+
+void RemovingRootsAndLinks(MachineUnderTest& ground) {
+  ground.MakeFile(u"folder\\in", "1");
+  ground.MakeFolderLink(u"link", u"folder");
+  EXPECT_TRUE(ground.Get().Disk().RemoveDirectoryW(ground.PathOf(u"link")));
   EXPECT_EQ(Ground(ground), "folder\\ folder\\in=1 ");
   const Text root = ground.Base().substr(0, 3);
   EXPECT_FALSE(ground.Get().Disk().RemoveDirectoryW(root));
@@ -289,10 +305,8 @@ void RemovingFolders(MachineUnderTest& ground) {
 void SettingTimes(MachineUnderTest& ground) {
   ground.MakeFile(u"a", "1");
   FileInputOutput& files = ground.Get().Files();
-  const auto open = [&](std::uint32_t access) {
-    return files.CreateFileW(ground.PathOf(u"a"), access, FILE_SHARE_READ, OPEN_EXISTING, 0);
-  };
-  const HANDLE file = open(GENERIC_READ | GENERIC_WRITE);
+  const HANDLE file = files.CreateFileW(ground.PathOf(u"a"), GENERIC_READ | GENERIC_WRITE,
+                                        FILE_SHARE_READ, OPEN_EXISTING, 0);
   BY_HANDLE_FILE_INFORMATION told;
   // In 1909, one tick before 1970, and a moment of today with all its digits.
   constexpr std::int64_t moments[] = {97'444'736'000'000'001, 116'444'735'999'999'999,
@@ -313,7 +327,14 @@ void SettingTimes(MachineUnderTest& ground) {
   EXPECT_TRUE(files.CloseHandle(file));
   EXPECT_FALSE(files.SetFileTime(file, nullptr, &later, nullptr));
   EXPECT_EQ(ground.Get().GetLastError(), ERROR_INVALID_HANDLE);
-  const HANDLE readable = open(GENERIC_READ);
+}
+
+void SettingTimesOfARead(MachineUnderTest& ground) {
+  ground.MakeFile(u"a", "1");
+  FileInputOutput& files = ground.Get().Files();
+  const HANDLE readable =
+      files.CreateFileW(ground.PathOf(u"a"), GENERIC_READ, FILE_SHARE_READ, OPEN_EXISTING, 0);
+  const FILETIME later = FILETIME::FromTicks(133'000'000'000'000'000);
   EXPECT_FALSE(files.SetFileTime(readable, nullptr, &later, nullptr));
   EXPECT_EQ(ground.Get().GetLastError(), ERROR_ACCESS_DENIED);
   EXPECT_TRUE(files.CloseHandle(readable));
@@ -351,19 +372,27 @@ constexpr ConformanceRow rows[] = {
     {"FSXFSO_MoveFSO", "a move to a free name keeps all that belongs to the entry",
      MovingToAFreeName},
     {"FSXFSO_MoveFSO", "a move never replaces unasked", MovingNeverReplacesUnasked},
-    {"RemoveMarkedFilesAllGroups", "a move that replaces takes files only, and no read-only ones",
+    {"FSXFSO_MoveFSO", "a move to a place that cannot be leaves all as it was",
+     MovingToAPlaceThatCannotBe},
+    {"RemoveMarkedFilesAllGroups", "a move that replaces puts a file in the place of another",
      MovingWithReplace},
+    {"RemoveMarkedFilesAllGroups", "a move that replaces takes files only, and no read-only ones",
+     MovingReplacesFilesOnly},
     {"FSXFSO_MoveFSO", "a move may change the case of a name alone", MovingChangesCase},
     {"FSXFSO_CopyFSO", "a copy replaces only what may be replaced, and keeps time and attribute",
      Copying},
     {"SaveAs", "a copy of many blocks is whole and leaves nothing besides", CopyingLargeFiles},
     {"WritePrivateProfileStringW", "a file is replaced as a whole with nothing left beside it",
      ReplacingWhole},
+    {"WritePrivateProfileStringW", "a read-only file is not replaced", ReplacingReadOnly},
     {"RemoveMarkedFilesAllGroups", "a folder that keeps one out of changes is 5", KeptOutOfChanges},
     {"RemoveFile", "read-only is set and lifted for sure", SettingReadOnly},
-    {"FSXFSO_MoveFSO", "only empty folders and links to folders are removed", RemovingFolders},
+    {"FSXFSO_MoveFSO", "only empty folders are removed", RemovingFolders},
+    {"FSXFSO_MoveFSO", "of a link to a folder the link is removed, and a root never",
+     RemovingRootsAndLinks},
     {"ChangeFileDate", "times are set to the tick, and those that are not given stay",
      SettingTimes},
+    {"ChangeFileDate", "times are not set through a handle for reading", SettingTimesOfARead},
     {"SendFileToRecycleBin", "what goes to the Recycle Bin is found there", Recycling},
 };
 

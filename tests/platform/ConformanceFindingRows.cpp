@@ -91,15 +91,26 @@ void MissingThings(MachineUnderTest& ground) {
     EXPECT_EQ(AttributesCode(ground, ground.PathOf(row.relative)), row.attributes);
   }
   EXPECT_EQ(FindOnce(ground, ground.PathOf(u"no folder\\*")).code, ERROR_PATH_NOT_FOUND);
+}
+
+void ListingAFile(MachineUnderTest& ground) {
+  ground.MakeFile(u"file", "x");
   EXPECT_EQ(FindOnce(ground, ground.PathOf(u"file\\*")).code, ERROR_DIRECTORY);
 }
 
-void MissingDriveOrShare(MachineUnderTest& ground) {
+Text PathOnMissingDrive(MachineUnderTest& ground) {
   const Text drives = ground.Get().Drives().GetLogicalDriveStringsW();
   Text missing = u"Z:\\x";
   while (drives.find(missing[0]) != Text::npos) --missing[0];
-  EXPECT_EQ(AttributesCode(ground, missing), ERROR_PATH_NOT_FOUND);
-  EXPECT_EQ(FindOnce(ground, missing).code, ERROR_PATH_NOT_FOUND);
+  return missing;
+}
+
+void SearchOnMissingDrive(MachineUnderTest& ground) {
+  EXPECT_EQ(FindOnce(ground, PathOnMissingDrive(ground)).code, ERROR_PATH_NOT_FOUND);
+}
+
+void MissingDriveOrShare(MachineUnderTest& ground) {
+  EXPECT_EQ(AttributesCode(ground, PathOnMissingDrive(ground)), ERROR_PATH_NOT_FOUND);
   EXPECT_EQ(AttributesCode(ground, u"\\\\nobody\\share\\x"), ERROR_BAD_NETPATH);
 }
 
@@ -144,8 +155,15 @@ void LongSizes(MachineUnderTest& ground) {
 }
 
 void UnusualNames(MachineUnderTest& ground) {
-  const TextView names[] = {u"\u00FCbung \u20AC.txt", u"\U0001F4BE disk", u"100%;a&b=c,d'e.f.g",
-                            u"\u65E5\u672C\u8A9E",    u"no-dot",          u"[x](1)~$#@!{}"};
+  const TextView names[] = {u"\u00FCbung \u20AC.txt",
+                            u"\U0001F4BE disk",
+                            u"100%;a&b=c,d'e.f.g",
+                            u"\u65E5\u672C\u8A9E",
+                            u"no-dot",
+                            u"[x](1)~$#@!{}",
+                            u"no-dot.",
+                            u"no-dot ",
+                            u"NUL.txt"};
   std::set<Text> expected;
   for (const TextView name : names) {
     ground.MakeFile(u"names\\" + Text(name), "x");
@@ -266,13 +284,20 @@ void FolderLinkDescribed(MachineUnderTest& ground) {
   const Found found = FindOnce(ground, ground.PathOf(u"links\\link"));
   ASSERT_EQ(found.code, 0U);
   EXPECT_EQ(found.entry.dwFileAttributes & linkBits, linkBits);
-  EXPECT_EQ(found.entry.dwReserved0, IO_REPARSE_TAG_MOUNT_POINT);
   const FolderListing listing = ListFolder(ground.Get(), ground.PathOf(u"links\\*"));
   ASSERT_EQ(listing.names, std::vector<Text>{u"link"});
   EXPECT_EQ(listing.records[0].dwFileAttributes & linkBits, linkBits);
-  for (const TextView relative : {u"links\\link", u"links\\link\\"})
-    EXPECT_EQ(ground.Get().Files().GetFileAttributesW(ground.PathOf(relative)) & linkBits,
-              linkBits);
+  EXPECT_EQ(ground.Get().Files().GetFileAttributesW(ground.PathOf(u"links\\link")) & linkBits,
+            linkBits);
+}
+
+void FolderLinkTold(MachineUnderTest& ground) {
+  ground.MakeFolder(u"target");
+  ground.MakeFolderLink(u"link", u"target");
+  EXPECT_EQ(FindOnce(ground, ground.PathOf(u"link")).entry.dwReserved0, IO_REPARSE_TAG_MOUNT_POINT);
+  EXPECT_NE(ground.Get().Files().GetFileAttributesW(ground.PathOf(u"link\\")) &
+                FILE_ATTRIBUTE_REPARSE_POINT,
+            0U);
 }
 
 void FolderLinkIsNoMountPoint(MachineUnderTest& ground) {
@@ -300,6 +325,8 @@ constexpr ConformanceRow rows[] = {
     {"cFSXFolder.Enumerate", "the directory bit parts folders from files", FoldersTold},
     {"cFSXFile.LoadFileInfo", "missing entries and missing folders have codes of their own",
      MissingThings},
+    {"cFSXFolder.Enumerate", "the listing of a file is 267", ListingAFile},
+    {"cFSXFile.LoadFileInfo", "a search on a missing drive is 3", SearchOnMissingDrive},
     {"cFSXFileSystemObject.FileExists", "a missing drive is 3 and a missing server 53",
      MissingDriveOrShare},
     {"cFSXFileSystemObject.FileExists", "a name that no entry can have is 123 and no name is 3",
@@ -320,6 +347,8 @@ constexpr ConformanceRow rows[] = {
      KindsByAttributes},
     {"cFSXFile.IsReadOnly", "a read-only file bears bit 1", ReadOnlyBit},
     {"cFSXFolder.IsJunction", "a folder link is described and not followed", FolderLinkDescribed},
+    {"cFSXFolder.IsJunction", "a folder link tells its tag and is one behind a backslash too",
+     FolderLinkTold},
     {"cFSXFolder.GetJunctionPointType", "a folder link has no volume name",
      FolderLinkIsNoMountPoint},
     {"cFSXFileSystemObject.FileExists", "a folder that keeps one out fails with 5", KeptOut},

@@ -1,8 +1,11 @@
 // SPDX-License-Identifier: MIT
 // Runs every row on every machine.
+#include <gtest/gtest-spi.h>
+
 #include <cctype>
 
 #include "platform/ConformanceRows.h"
+#include "platform/KnownWineDifferences.h"
 
 namespace quillmarsh {
 
@@ -37,7 +40,19 @@ TEST_P(Conformance, Row) {
   SCOPED_TRACE(std::string(row.reliesOnIt) + " relies on this: " + row.sentence);
   const auto ground = kind.make();
   ASSERT_NE(ground, nullptr);
-  row.check(*ground);
+  const WineDifference* const difference = KnownWineDifference(*ground, row.sentence);
+  if (difference == nullptr) return row.check(*ground);
+  testing::TestPartResultArray results;
+  {
+    const testing::ScopedFakeTestPartResultReporter keepsQuiet(
+        testing::ScopedFakeTestPartResultReporter::INTERCEPT_ONLY_CURRENT_THREAD, &results);
+    row.check(*ground);
+  }
+  bool differs = false;
+  for (int i = 0; i < results.size(); ++i)
+    differs = differs || results.GetTestPartResult(i).failed();
+  ASSERT_TRUE(differs) << "Wine no longer differs here: " << difference->reason;
+  GTEST_SKIP() << difference->reason;
 }
 
 INSTANTIATE_TEST_SUITE_P(Machines, Conformance,

@@ -76,12 +76,21 @@ void MissingLocation(MachineUnderTest& ground) {
   EXPECT_NE(deeper.error, ERROR_SUCCESS);
 }
 
-void NativeAndBack(MachineUnderTest& ground) {
-  const TextView name = u"\u00FC \U0001F4BE %20;";
-  ground.MakeFile(name, "x");
+void LeadsBack(MachineUnderTest& ground, TextView name) {
   Volumes& drives = ground.Get().Drives();
   EXPECT_EQ(drives.NativePath(ground.PathOf(name)), ground.NativeOf(name));
   EXPECT_EQ(drives.LocationFromNative(ground.NativeOf(name)).path, ground.PathOf(name));
+}
+
+void NativeAndBack(MachineUnderTest& ground) {
+  const TextView name = u"\u00FC \U0001F4BE %20;";
+  ground.MakeFile(name, "x");
+  LeadsBack(ground, name);
+}
+
+void DotsAndBack(MachineUnderTest& ground) {
+  for (const TextView name : {u"a", u"a.", u"a "}) ground.MakeFile(name, "x");
+  for (const TextView name : {u"a", u"a.", u"a "}) LeadsBack(ground, name);
 }
 
 void ShownPathsAreClean(MachineUnderTest& ground) {
@@ -168,6 +177,8 @@ constexpr ConformanceRow rows[] = {
     {"IsCriteriaValid", "all spellings of a location have one canonical form", OneCanonicalForm},
     {"IsCriteriaValid", "a location that is missing has a code and no path", MissingLocation},
     {"the list of the console", "native bytes lead back to the same path", NativeAndBack},
+    {"the list of the console", "native bytes keep the dot and the blank at the end of a name",
+     DotsAndBack},
     {"the list of the console", "no control character is shown", ShownPathsAreClean},
     {"ConvertDateTimeCurrToVBDateTime", "local time leads back to the UTC time", TimesThereAndBack},
     {"GetDateTimeFormat", "locale facts and error texts are there", LocaleAnswers},

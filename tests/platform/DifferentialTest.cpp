@@ -10,6 +10,7 @@
 #include <random>
 #include <utility>
 
+#include "base/CaseMapping.h"
 #include "platform/MachineUnderTest.h"
 
 namespace quillmarsh {
@@ -106,21 +107,28 @@ class Drawer {
  private:
   int Below(int limit) { return static_cast<int>(mRandom() % static_cast<std::uint64_t>(limit)); }
 
-  // Few names, so that operations meet; spellings in two cases, which are two names here.
+  // Few names, so that operations meet; spellings in two cases, which are two names or one.
   Text Path() {
-    static constexpr TextView names[] = {u"a", u"A", u"b c", u"\u00E9t\u00E9", u"x.txt", u"d"};
+    static constexpr TextView names[] = {u"a",     u"A", u"a.", u"b c", u"\u00E9t\u00E9",
+                                         u"x.txt", u"a "};
     static constexpr TextView wrongNames[] = {u"q?", u"<", u"p|q", u"a\u0007"};
     Text path;
     const int depth = 1 + std::min(Below(4), Below(4));
     for (int i = 0; i < depth; ++i) {
       if (i > 0) path += u'\\';
-      path += Below(60) == 0 ? wrongNames[Below(4)] : names[Below(6)];
+      path +=
+          Below(60) == 0 ? wrongNames[Below(4)] : names[Below(static_cast<int>(std::size(names)))];
     }
     return path;
   }
 
   std::mt19937_64 mRandom;
 };
+
+// One of those that are drawn.
+bool HasWrongName(TextView path) {
+  return path.find_first_of(u"?<|\u0007") != TextView::npos;
+}
 
 std::string Describe(const Step& step) {
   return std::string(kindNames[static_cast<std::size_t>(step.kind)]) + " '" + ToUtf8(step.path) +
@@ -132,12 +140,14 @@ std::string Describe(const Step& step) {
 // One machine that carries out operations and tells what came of each as a text.
 class Player {
  public:
-  explicit Player(std::unique_ptr<MachineUnderTest> ground) : mGround(std::move(ground)) {
+  Player(std::unique_ptr<MachineUnderTest> ground, bool onWindows, bool onWine)
+      : mGround(std::move(ground)), mOnWindows(onWindows), mOnWine(onWine) {
     std::fill(std::begin(mHandles), std::end(mHandles), INVALID_HANDLE);
   }
   ~Player() { CloseAll(); }
   Player(const Player&) = delete;
   Player& operator=(const Player&) = delete;
+  [[nodiscard]] MachineUnderTest& Ground() { return *mGround; }
 
   std::string Do(const Step& step) {
     const Text path = mGround->PathOf(step.path);
@@ -146,9 +156,11 @@ class Player {
       case Step::Kind::MakeFolder:
         return Code(The(), The().Disk().CreateDirectoryW(path));
       case Step::Kind::Open:
-        mAppends[step.slot] = step.access == FILE_APPEND_DATA;
+        mAccess[step.slot] = step.access;
         return Open(handle, path, step);
       case Step::Kind::Close: {
+        // Windows takes the number of no handle for one of the program itself and "closes" it.
+        if (handle == INVALID_HANDLE) return "not asked";
         std::string outcome = Code(The(), Files().CloseHandle(handle));
         handle = INVALID_HANDLE;
         return outcome;
@@ -158,13 +170,18 @@ class Player {
       case Step::Kind::Write:
         return Write(handle, step.bytes);
       case Step::Kind::Seek: {
-        if (mAppends[step.slot]) return "not asked";
+        // Of two reasons to refuse, which one is told is each system's own affair.
+        const bool isRefusedTwice =
+            handle == INVALID_HANDLE && (step.distance < 0 || step.method > FILE_END);
+        if (Appends(step.slot) || isRefusedTwice) return "not asked";
         std::int64_t position = 0;
         const bool moved = Files().SetFilePointerEx(handle, step.distance, position, step.method);
         return moved ? "at " + std::to_string(position) : Code(The(), false);
       }
       case Step::Kind::SetEnd:
-        if (mAppends[step.slot]) return "not asked";
+        // Wine cuts a file that it has made or emptied through a handle for reading too.
+        if (Appends(step.slot) || (mOnWine && mAccess[step.slot] == GENERIC_READ))
+          return "not asked";
         return Code(The(), Files().SetEndOfFile(handle));
       case Step::Kind::Facts:
         return Facts(handle);
@@ -177,6 +194,7 @@ class Player {
       case Step::Kind::SetReadOnly:
         return SetReadOnly(path, step.flag);
       case Step::Kind::Remove:
+        CloseIfNamesStay();
         if (Files().GetFileAttributesW(path) == INVALID_FILE_ATTRIBUTES) return "nothing there";
         mGround->Remove(step.path);
         return "done";
@@ -184,6 +202,7 @@ class Player {
         CloseAll();
         return Code(The(), The().Disk().RemoveDirectoryW(path));
       case Step::Kind::Delete:
+        CloseIfNamesStay();
         return Code(The(), The().Disk().DeleteFileW(path));
       case Step::Kind::Move: {
         CloseAll();
@@ -203,8 +222,14 @@ class Player {
     for (HANDLE& handle : mHandles)
       if (handle != INVALID_HANDLE) Files().CloseHandle(std::exchange(handle, INVALID_HANDLE));
   }
+  // On some Windows the name of a deleted file stays until the file is closed.
+  void CloseIfNamesStay() {
+    if (mOnWindows) CloseAll();
+  }
   Machine& The() { return mGround->Get(); }
   FileInputOutput& Files() { return mGround->Get().Files(); }
+  // Nobody moves or cuts through a handle that only appends, and systems differ there.
+  [[nodiscard]] bool Appends(std::size_t slot) const { return mAccess[slot] == FILE_APPEND_DATA; }
 
   std::string Open(HANDLE& handle, const Text& path, const Step& step) {
     if (handle != INVALID_HANDLE) Files().CloseHandle(handle);
@@ -242,8 +267,16 @@ class Player {
            (isFolder ? "" : std::to_string(entry.nFileSizeLow));
   }
 
+  // The code with which a search fails where a file stands in the place of the folder; Wine answers
+  // that of a name that cannot be.
+  [[nodiscard]] std::uint32_t CodeOfNoFolder(std::uint32_t code, TextView path) const {
+    const bool isFile = code == ERROR_DIRECTORY || (mOnWine && code == ERROR_INVALID_NAME);
+    return isFile && !HasWrongName(path) ? ERROR_PATH_NOT_FOUND : code;
+  }
+
   std::string List(const Text& pattern) {
-    const FolderListing listing = ListFolder(The(), pattern);
+    FolderListing listing = ListFolder(The(), pattern);
+    listing.endCode = CodeOfNoFolder(listing.endCode, pattern);
     std::vector<std::string> lines;
     for (std::size_t i = 0; i < listing.names.size(); ++i)
       lines.push_back(FactsOf(listing.records[i], listing.names[i]));
@@ -255,12 +288,14 @@ class Player {
   }
 
   std::string FindOne(const Text& path) {
+    // A final backslash finds nothing, and a wrong name neither; Windows looks at the backslash
+    // first.
+    if (mOnWindows && path.ends_with(u'\\') && HasWrongName(path)) return "not asked";
     WIN32_FIND_DATAW entry;
     const HANDLE search = The().Find().FindFirstFileW(path, entry);
     // That a file stands where the folder should be may be told by a code of its own.
-    if (search == INVALID_HANDLE && The().GetLastError() == ERROR_DIRECTORY)
-      The().SetLastError(ERROR_PATH_NOT_FOUND);
-    if (search == INVALID_HANDLE) return Code(The(), false);
+    if (search == INVALID_HANDLE)
+      return "error " + std::to_string(CodeOfNoFolder(The().GetLastError(), path));
     std::string text = FactsOf(entry, entry.cFileName);
     text += The().Find().FindNextFileW(search, entry) ? " and more" : "";
     text += " end " + std::to_string(The().GetLastError());
@@ -286,20 +321,61 @@ class Player {
 
   std::unique_ptr<MachineUnderTest> mGround;
   HANDLE mHandles[handlesAtOnce];
-  // Nobody moves or cuts through a handle that only appends, and systems differ there.
-  bool mAppends[handlesAtOnce] = {};
+  std::uint32_t mAccess[handlesAtOnce] = {};
+  bool mOnWindows, mOnWine;
 };
+
+// Whether a name that is there is spelled as in the path.
+bool HasThisCase(MachineUnderTest& ground, const Text& path) {
+  WIN32_FIND_DATAW entry;
+  Finding& find = ground.Get().Find();
+  const HANDLE search = find.FindFirstFileW(ground.PathOf(path), entry);
+  const bool isSpelledSo = search != INVALID_HANDLE && path.ends_with(entry.cFileName);
+  find.FindClose(search);
+  return isSpelledSo;
+}
+
+// Whether Wine 8 answers other than Windows is documented to, or known to where nothing is said; by
+// the state of the simulated machine.
+bool WineIsKnownToDiffer(MachineUnderTest& ground, const Step& step, bool isSuperuser) {
+  const auto attributesOf = [&](TextView path) {
+    return ground.Get().Files().GetFileAttributesW(ground.PathOf(path));
+  };
+  // Who may write to a read-only file it leaves to the system below.
+  if (step.kind == Step::Kind::SetReadOnly) return isSuperuser;
+  if (step.kind != Step::Kind::Move) return false;
+  // The code of a move below itself.
+  const Text source = UpperCaseText(step.path);
+  const Text target = UpperCaseText(step.newPath);
+  if (target.starts_with(source + u'\\')) return true;
+  const std::uint32_t moved = attributesOf(step.path);
+  const std::uint32_t there = attributesOf(step.newPath);
+  if (moved == INVALID_FILE_ATTRIBUTES || there == INVALID_FILE_ATTRIBUTES) return false;
+  // A move onto itself leaves the case of the name as it was. One that replaces does so too, and
+  // replaces read-only files, and files by folders.
+  if (source == target) return true;
+  const bool replaces = (step.method & MOVEFILE_REPLACE_EXISTING) != 0;
+  if (!replaces || (there & FILE_ATTRIBUTE_DIRECTORY) != 0) return false;
+  const bool isRefused =
+      (there & FILE_ATTRIBUTE_READONLY) != 0 || (moved & FILE_ATTRIBUTE_DIRECTORY) != 0;
+  return isRefused || !HasThisCase(ground, step.newPath);
+}
 
 class Differential : public testing::TestWithParam<MachineKind> {};
 
 // False at the first difference, which is then told.
 bool RunAgrees(const MachineKind& kind, std::uint64_t seed) {
   Drawer drawer(seed);
-  Player simulated(MakeCaseSensitiveSimulated());
-  Player other(kind.make());
+  std::unique_ptr<MachineUnderTest> ground = kind.make();
+  const bool onWine = ground->IsWine();
+  const bool isSuperuser = !ground->CanKeepOut();
+  const bool onWindows = !kind.tellsCaseApart;  // of the machines that take part here
+  Player simulated(MakeSimulatedUnderTest(kind.tellsCaseApart), onWindows, onWine);
+  Player other(std::move(ground), onWindows, onWine);
   std::string history;
   for (std::uint64_t i = 0; i < operationsInARun; ++i) {
     const Step step = drawer.Draw();
+    if (onWine && WineIsKnownToDiffer(simulated.Ground(), step, isSuperuser)) continue;
     const std::string expected = simulated.Do(step);
     const std::string found = other.Do(step);
     history += std::to_string(i) + ": " + Describe(step) + " -> " + expected + "\n";
@@ -322,7 +398,7 @@ TEST_P(Differential, RandomOperationsHaveTheSameOutcomeOnBothMachines) {
 
 std::vector<MachineKind> OtherKinds() {
   std::vector<MachineKind> kinds = MachineKinds();
-  std::erase_if(kinds, [](const MachineKind& kind) { return !kind.tellsCaseApart; });
+  std::erase_if(kinds, [](const MachineKind& kind) { return kind.make == MachineKinds()[0].make; });
   return kinds;
 }
 

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// The machines that are built here: the simulated one always, the POSIX one over a temporary folder
-// where the system has it.
+// The machines that are built here: the simulated one always, and over a temporary folder the one
+// of the system.
 #include "platform/MachineUnderTest.h"
 
 #include <algorithm>
@@ -57,13 +57,13 @@ class SimulatedUnderTest final : public MachineUnderTest {
 };
 
 std::unique_ptr<MachineUnderTest> MakeSimulated() {
-  return std::make_unique<SimulatedUnderTest>(false);
+  return MakeSimulatedUnderTest(false);
 }
 
 }  // namespace
 
-std::unique_ptr<MachineUnderTest> MakeCaseSensitiveSimulated() {
-  return std::make_unique<SimulatedUnderTest>(true);
+std::unique_ptr<MachineUnderTest> MakeSimulatedUnderTest(bool tellsCaseApart) {
+  return std::make_unique<SimulatedUnderTest>(tellsCaseApart);
 }
 
 const std::vector<MachineKind>& MachineKinds() {
@@ -72,6 +72,9 @@ const std::vector<MachineKind>& MachineKinds() {
 #ifdef QUILLMARSH_TEST_POSIX_MACHINE
       {"Posix", true, MakePosixUnderTest},
       {"PosixByComponents", true, MakePosixByComponentsUnderTest},
+#endif
+#ifdef QUILLMARSH_TEST_WIN32_MACHINE
+      {"Win32", false, MakeWin32UnderTest},
 #endif
   };
   return kinds;

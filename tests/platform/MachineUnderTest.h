@@ -34,6 +34,8 @@ class MachineUnderTest {
   // What the Recycle Bin holds of a file that was there; "(none)" where it holds none.
   virtual std::string RecycledBytes(TextView relative) = 0;
 
+  // Whether the answers are those of Wine, which are not always those of Windows.
+  [[nodiscard]] virtual bool IsWine() const { return false; }
   // False where nobody can be kept out, as for the superuser.
   [[nodiscard]] virtual bool CanKeepOut() const = 0;
   virtual void KeepOut(TextView relative) = 0;
@@ -49,8 +51,10 @@ struct MachineKind {
 [[nodiscard]] std::unique_ptr<MachineUnderTest> MakePosixUnderTest();
 // The same as it works where the kernel does not resolve paths within bounds by itself.
 [[nodiscard]] std::unique_ptr<MachineUnderTest> MakePosixByComponentsUnderTest();
-// The simulated machine on a volume that tells case apart, as POSIX does.
-[[nodiscard]] std::unique_ptr<MachineUnderTest> MakeCaseSensitiveSimulated();
+// On Windows, or where Wine stands in for it.
+[[nodiscard]] std::unique_ptr<MachineUnderTest> MakeWin32UnderTest();
+// The simulated machine on a volume that tells case apart, as POSIX does, or on one that does not.
+[[nodiscard]] std::unique_ptr<MachineUnderTest> MakeSimulatedUnderTest(bool tellsCaseApart);
 
 // A listing as the core makes it: the names in their order, "." and ".." left out, and the code
 // that ended it (or with which it could not begin).

@@ -100,9 +100,11 @@ TEST_F(SimulatedMachineTest, APathOf260CharactersNeedsThePrefix) {
   EXPECT_EQ(machine.GetLastError(), ERROR_FILENAME_EXCED_RANGE);
 }
 
-TEST_F(SimulatedMachineTest, FinalDotsAndBlanksCountOnlyBehindThePrefix) {
+TEST_F(SimulatedMachineTest, FinalDotsAndBlanksCountWhereNothingIsToBeWorkedOut) {
   machine.AddFile(u"C:\\name");
-  EXPECT_EQ(AttributesCode(u"C:\\name. ."), 0U);
+  EXPECT_EQ(AttributesCode(u"C:\\name. ."), ERROR_FILE_NOT_FOUND);
+  EXPECT_EQ(AttributesCode(u"C:/name. ."), 0U);
+  EXPECT_EQ(AttributesCode(u"C:\\.\\name. ."), 0U);
   EXPECT_EQ(AttributesCode(u"C:/other/../name"), 0U);
   EXPECT_EQ(AttributesCode(u"\\\\?\\C:\\name."), ERROR_FILE_NOT_FOUND);
   EXPECT_EQ(AttributesCode(u"\\\\?\\C:\\.\\name"), ERROR_INVALID_NAME);
@@ -110,6 +112,17 @@ TEST_F(SimulatedMachineTest, FinalDotsAndBlanksCountOnlyBehindThePrefix) {
   machine.SetCurrentFolder(u"C:\\here\\below");
   machine.AddFile(u"C:\\here\\file");
   EXPECT_EQ(AttributesCode(u"..\\file"), 0U);
+}
+
+TEST_F(SimulatedMachineTest, AFinalDotThatTheShellWouldDropIsNotSentToTheBin) {
+  machine.AddFile(u"C:\\name", "kept");
+  machine.AddFile(u"C:\\name.", "kept too");
+  SHFILEOPSTRUCTW operation;
+  operation.wFunc = FO_DELETE;
+  operation.pFrom = Text(u"C:\\name.\0\0", 10);
+  operation.fFlags = FOF_ALLOWUNDO;
+  EXPECT_EQ(machine.Desktop().SHFileOperationW(operation), DE_INVALIDFILES);
+  EXPECT_EQ(machine.TreeOf(u"C:\\"), (std::vector<Text>{u"C:\\name", u"C:\\name."}));
 }
 
 TEST_F(SimulatedMachineTest, JunctionsAreEnteredOnTheWayAndOneFileHasOnePlace) {

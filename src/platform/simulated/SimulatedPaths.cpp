@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
-// Parsing follows the platform: '/' becomes '\', "." and ".." are worked out on the text, final
-// dots and blanks fall off. After "\\?\" nothing of that happens, and what is no name is refused.
+// Parsing follows the platform: '/' becomes '\', "." and ".." are worked out on the text, and then
+// final dots and blanks fall off. An absolute path in which there is nothing to work out means the
+// very names that it says, as in all machines. After "\\?\" nothing is worked out, and what is no
+// name is refused.
 #include "platform/simulated/SimulatedPaths.h"
 
 #include <algorithm>
@@ -128,6 +130,22 @@ TextView WithoutFinalDots(TextView name, bool isLast) {
   return name;
 }
 
+// Whether there is nothing to work out in the part behind the root.
+bool IsExact(TextView rest) {
+  if (rest.ends_with(u'\\')) rest.remove_suffix(1);
+  const auto isSpecial = [](TextView part) {
+    return part.empty() || part == u"." || part == u"..";
+  };
+  return rest.empty() || std::ranges::none_of(SplitAtBackslashes(rest), isSpecial);
+}
+
+void AddExactly(ParsedPath& path, TextView rest) {
+  path.endsInBackslash = rest.ends_with(u'\\');
+  if (path.endsInBackslash) rest.remove_suffix(1);
+  if (rest.empty()) return;
+  for (const TextView part : SplitAtBackslashes(rest)) path.components.emplace_back(part);
+}
+
 void AddNormalised(ParsedPath& path, TextView rest) {
   const auto parts = SplitAtBackslashes(rest);
   for (std::size_t i = 0; i < parts.size(); ++i) {
@@ -175,6 +193,7 @@ ParsedPath ParsePath(TextView given, TextView currentFolder, std::size_t limit,
   std::ranges::replace(text, u'/', u'\\');
   TextView rest = text;
   ParsedPath path;
+  bool isAbsolute = true;
   if (rest.starts_with(u"\\\\")) {
     rest.remove_prefix(2);
     path.root = TakeShareRoot(rest);
@@ -183,12 +202,16 @@ ParsedPath ParsePath(TextView given, TextView currentFolder, std::size_t limit,
     path.root = rest.substr(0, 3);
     rest.remove_prefix(3);
   } else {
+    isAbsolute = false;
     if (currentFolder.empty()) return Failed(ERROR_BAD_PATHNAME);
     path = StartOfRelative(rest, currentFolder);
     if (path.error != 0) return path;
     if (StartsWithDrive(rest)) rest.remove_prefix(2);
   }
-  AddNormalised(path, rest);
+  if (isAbsolute && given.find(u'/') == TextView::npos && IsExact(rest))
+    AddExactly(path, rest);
+  else
+    AddNormalised(path, rest);
   if (LengthOf(path) >= limit) return Failed(ERROR_FILENAME_EXCED_RANGE);
   CheckNames(path, lastMayBeStar);
   return path;

@@ -22,7 +22,8 @@ std::int32_t SimulatedShell::SendToBin(TextView path) {
   if (path.size() >= UsualPathLimit) return DE_PATHTOODEEP;
   const Resolved place = mWorld->Look(path, LastLink::Keep);
   if (place.error != 0) return ShellCodeOf(place.error);
-  if (place.parent == nullptr) return DE_INVALIDFILES;
+  // The shell would take the final dots and blanks off a name.
+  if (place.parent == nullptr || !IsPlainName(place.node->Name())) return DE_INVALIDFILES;
   if (const std::uint32_t refusal = mWorld->WhyNotTakenAway(place)) return ShellCodeOf(refusal);
   Node& root = *place.volume->root;
   Node* bin = mWorld->disk.FindChild(root, binName);

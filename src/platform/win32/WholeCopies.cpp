@@ -14,6 +14,7 @@ namespace {
 
 constexpr DWORD kShareReading = FILE_SHARE_READ | FILE_SHARE_DELETE;
 constexpr std::size_t kBlockBytes = 1U << 20U;
+constexpr DWORD kNeverReplaced = FILE_ATTRIBUTE_READONLY | FILE_ATTRIBUTE_DIRECTORY;
 
 // A file that goes at its end unless it has been put in its place.
 class NewFile {
@@ -84,15 +85,16 @@ std::uint32_t Settle(::HANDLE source, const NewFile& copy, bool withCreation) {
   return Compare(source, file.Get());
 }
 
-// A copy would write over what is hidden or read-only only after asking, and so do we.
-std::uint32_t WhyNotCopiedOver(const std::wstring& path, WhenTaken whenTaken) {
+// 0, or the code with which a place does not take a new file; an entry that has one of the bits
+// `kept` is never written over.
+std::uint32_t WhyNotTaken(const std::wstring& path, WhenTaken whenTaken, DWORD kept) {
   const DWORD attributes = ::GetFileAttributesW(path.c_str());
   if (attributes == INVALID_FILE_ATTRIBUTES) {
     const DWORD code = ::GetLastError();
-    return code == ERROR_FILE_NOT_FOUND ? ERROR_SUCCESS : code;
+    if (code != ERROR_FILE_NOT_FOUND) return code;
+    return path.ends_with(L'\\') ? ERROR_INVALID_NAME : ERROR_SUCCESS;
   }
-  if (whenTaken == WhenTaken::Fail) return ERROR_FILE_EXISTS;
-  constexpr DWORD kept = FILE_ATTRIBUTE_READONLY | FILE_ATTRIBUTE_HIDDEN | FILE_ATTRIBUTE_DIRECTORY;
+  if (whenTaken == WhenTaken::Fail) return ERROR_ALREADY_EXISTS;
   return (attributes & kept) != 0 ? ERROR_ACCESS_DENIED : ERROR_SUCCESS;
 }
 
@@ -115,6 +117,18 @@ struct CopyOrder {
   bool withCreation;
 };
 
+// The path with its last name as it is stored, where it is there: what is replaced keeps its case.
+std::wstring AsStored(const std::wstring& path) {
+  ::WIN32_FIND_DATAW entry{};
+  const ::HANDLE search =
+      ::FindFirstFileExW(path.c_str(), FindExInfoBasic, &entry, FindExSearchNameMatch, nullptr, 0);
+  if (FromSystem(search) == quillmarsh::INVALID_HANDLE) return path;
+  ::FindClose(search);
+  const std::size_t name = path.rfind(L'\\') + 1;
+  const bool isIt = AreOneName(path.substr(name), entry.cFileName);
+  return isIt ? path.substr(0, name) + entry.cFileName : path;
+}
+
 // From a source that is open.
 std::uint32_t CopyFrom(::HANDLE source, const CopyOrder& order) {
   NewFile copy(order.newPath);
@@ -130,7 +144,8 @@ std::uint32_t CopyFrom(::HANDLE source, const CopyOrder& order) {
       ::SetFileAttributesW(copy.Path(), attributes) == FALSE)
     return ::GetLastError();
   const DWORD replaces = order.whenTaken == WhenTaken::Replace ? MOVEFILE_REPLACE_EXISTING : 0;
-  if (::MoveFileExW(copy.Path(), order.newPath.c_str(), replaces | MOVEFILE_WRITE_THROUGH) == FALSE)
+  const std::wstring target = replaces != 0 ? AsStored(order.newPath) : order.newPath;
+  if (::MoveFileExW(copy.Path(), target.c_str(), replaces | MOVEFILE_WRITE_THROUGH) == FALSE)
     return ::GetLastError();
   copy.Keep();
   return ERROR_SUCCESS;
@@ -157,9 +172,11 @@ std::uint32_t CopyWhole(const std::wstring& existing, const std::wstring& newPat
                         WhenTaken whenTaken) {
   const OwnedHandle source(OpenSource(existing, kShareReading | FILE_SHARE_WRITE));
   if (!source.IsValid()) return ::GetLastError();
-  if (const std::uint32_t code = WhyNotCopiedOver(newPath, whenTaken)) return code;
-  if (AreOneFile(source.Get(), newPath)) return ERROR_SHARING_VIOLATION;
-  const std::uint32_t code = CopyFrom(source.Get(), {existing, newPath, whenTaken, false});
+  // The system's own copy writes over what is hidden or read-only as little.
+  constexpr DWORD kept = kNeverReplaced | FILE_ATTRIBUTE_HIDDEN;
+  std::uint32_t code = WhyNotTaken(newPath, whenTaken, kept);
+  if (code == ERROR_SUCCESS && AreOneFile(source.Get(), newPath)) code = ERROR_SHARING_VIOLATION;
+  if (code == ERROR_SUCCESS) code = CopyFrom(source.Get(), {existing, newPath, whenTaken, false});
   return code == ERROR_ALREADY_EXISTS ? ERROR_FILE_EXISTS : code;
 }
 
@@ -167,9 +184,8 @@ std::uint32_t MoveByCopy(const std::wstring& existing, const std::wstring& newPa
                          WhenTaken whenTaken) {
   const OwnedHandle source(OpenSource(existing, kShareReading));
   if (!source.IsValid()) return ::GetLastError();
-  if (::GetFileAttributesW(newPath.c_str()) != INVALID_FILE_ATTRIBUTES &&
-      whenTaken == WhenTaken::Fail)
-    return ERROR_ALREADY_EXISTS;
+  if (newPath.ends_with(L'\\')) return ERROR_INVALID_NAME;
+  if (const std::uint32_t code = WhyNotTaken(newPath, whenTaken, kNeverReplaced)) return code;
   if (const std::uint32_t code = CopyFrom(source.Get(), {existing, newPath, whenTaken, true}))
     return code;
   DeleteSource(existing);

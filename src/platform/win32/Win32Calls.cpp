@@ -43,6 +43,11 @@ std::uint32_t PathArgument::Refusal() const {
   return mPath.empty() || beginsAtRoot ? ERROR_SUCCESS : ERROR_BAD_PATHNAME;
 }
 
+bool AreOneName(std::wstring_view one, std::wstring_view other) {
+  return ::CompareStringOrdinal(one.data(), static_cast<int>(one.size()), other.data(),
+                                static_cast<int>(other.size()), TRUE) == CSTR_EQUAL;
+}
+
 Text PlainPath(std::wstring_view path) {
   constexpr std::wstring_view uncPrefix = L"\\\\?\\UNC\\";
   constexpr std::wstring_view prefix = L"\\\\?\\";

@@ -39,6 +39,10 @@ static_assert(sizeof(wchar_t) == sizeof(char16_t));
 // The way back, for an answer of the system: without the prefix, where the form without it exists.
 [[nodiscard]] Text PlainPath(std::wstring_view path);
 
+// Whether two names are one on a volume that ignores case. Asked of what a search has found: that
+// may have matched a short name, or the name without the points and blanks at its end.
+[[nodiscard]] bool AreOneName(std::wstring_view one, std::wstring_view other);
+
 // A path on its way into a call. What holds a NUL would be another path there, and what does not
 // begin at a root would be taken from wherever the program was started.
 class PathArgument {

@@ -6,6 +6,14 @@
 
 namespace quillmarsh {
 
+namespace {
+
+// A move that waits for the next start of the system is none of ours.
+constexpr std::uint32_t kKnownMoveFlags =
+    MOVEFILE_REPLACE_EXISTING | MOVEFILE_COPY_ALLOWED | MOVEFILE_WRITE_THROUGH;
+
+}  // namespace
+
 using win32::ForwardPath;
 
 bool Win32Disk::DoDeleteFile(TextView path) {
@@ -14,6 +22,7 @@ bool Win32Disk::DoDeleteFile(TextView path) {
 }
 
 bool Win32Disk::DoMoveFile(TextView existing, TextView newPath, std::uint32_t flags) {
+  if ((flags & ~kKnownMoveFlags) != 0) return Fail(ERROR_INVALID_PARAMETER, false);
   const win32::PathArgument target(newPath);
   if (const std::uint32_t code = target.Refusal()) return Fail(code, false);
   const bool isMoved = ForwardPath(mCalls, existing, false, [&](const wchar_t* source) {

@@ -2,6 +2,8 @@
 // Find records handed on.
 #include "platform/win32/Win32Finding.h"
 
+#include <algorithm>
+
 namespace quillmarsh {
 namespace {
 
@@ -16,6 +18,23 @@ void Tell(const ::WIN32_FIND_DATAW& found, WIN32_FIND_DATAW& entry) {
   entry.cFileName = win32::View(found.cFileName);
 }
 
+// Whether only one entry, or all, can have been meant. The system takes more for wildcards.
+bool IsPlainPattern(TextView pattern) {
+  const TextView name = pattern.substr(pattern.find_last_of(u"\\/") + 1);
+  const auto isNoName = [](char16_t unit) {
+    return unit < u' ' || TextView(u"*?<>|\"").find(unit) != TextView::npos;
+  };
+  return name == u"*" || std::ranges::none_of(name, isNoName);
+}
+
+// Whether what was found is what an exact path meant. A short name ends neither in a point nor in a
+// blank.
+bool IsMeant(std::wstring_view path, std::wstring_view found) {
+  const bool mayMatchMore =
+      path.starts_with(L"\\\\?\\") && (path.ends_with(L'.') || path.ends_with(L' '));
+  return !mayMatchMore || win32::AreOneName(path.substr(path.rfind(L'\\') + 1), found);
+}
+
 }  // namespace
 
 Win32Finding::~Win32Finding() {
@@ -24,6 +43,7 @@ Win32Finding::~Win32Finding() {
 
 // The short names are left out and the records come in large portions, which only costs less.
 HANDLE Win32Finding::DoFindFirst(TextView pattern, WIN32_FIND_DATAW& entry) {
+  if (!IsPlainPattern(pattern)) return Fail(ERROR_INVALID_NAME, INVALID_HANDLE);
   auto found = std::make_unique<::WIN32_FIND_DATAW>();
   const HANDLE search =
       win32::ForwardPath(mCalls, pattern, INVALID_HANDLE, [&](const wchar_t* path) {
@@ -32,6 +52,10 @@ HANDLE Win32Finding::DoFindFirst(TextView pattern, WIN32_FIND_DATAW& entry) {
                                                     FIND_FIRST_EX_LARGE_FETCH));
       });
   if (search == INVALID_HANDLE) return search;
+  if (!IsMeant(win32::ExactPath(pattern), found->cFileName)) {
+    ::FindClose(win32::ToSystem(search));
+    return Fail(ERROR_FILE_NOT_FOUND, INVALID_HANDLE);
+  }
   Tell(*found, entry);
   mOpen.insert_or_assign(static_cast<std::intptr_t>(search), std::move(found));
   return search;

@@ -113,9 +113,14 @@ CanonicalLocation Win32Volumes::DoLocationFromNative(std::string_view native) {
   const Text typed = FromWtf8(native);
   if (typed.empty()) return Failed(mCalls, ERROR_PATH_NOT_FOUND);
   if (typed.find(u'\0') != Text::npos) return Failed(mCalls, ERROR_INVALID_NAME);
-  const std::wstring path = AbsolutePath(Wide(typed));
-  if (path.empty()) return Failed(mCalls, ::GetLastError());
-  const std::wstring found = FinalPath(win32::ExactPath(win32::Narrow(path)));
+  // What was told as a path leads back to it; what nothing is called by is read as the system does.
+  const std::wstring exact = win32::ExactPath(typed);
+  std::wstring found = exact.starts_with(L"\\\\?\\") ? FinalPath(exact) : L"";
+  if (found.empty()) {
+    const std::wstring path = AbsolutePath(Wide(typed));
+    if (path.empty()) return Failed(mCalls, ::GetLastError());
+    found = FinalPath(win32::ExactPath(win32::Narrow(path)));
+  }
   if (found.empty()) return Failed(mCalls, ::GetLastError());
   return {WithoutFinalBackslash(win32::PlainPath(found)), ERROR_SUCCESS};
 }
