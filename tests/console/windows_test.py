@@ -93,7 +93,9 @@ class Windows(unittest.TestCase):
     def setUp(self):
         self.disk = Disk()
         self.addCleanup(self.disk.close)
-        self.environment = dict(os.environ, XDG_DATA_HOME=os.path.join(self.disk.folder, "data home"), TZ="UTC",
+        data_home = os.path.join(self.disk.folder, "data home")  # Wine makes the trash in it, but not the folder
+        os.mkdir(data_home)
+        self.environment = dict(os.environ, XDG_DATA_HOME=data_home, TZ="UTC",
                                 LC_ALL="C.UTF-8", QUILLMARSH_SIMULATED_DISK=self.disk.image)
         # Where the program keeps its files is read from here by Wine.
         subprocess.run([WINE, "reg", "add", r"HKCU\Software\Microsoft\Windows\CurrentVersion\Explorer\User Shell Folders",
