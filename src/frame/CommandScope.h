@@ -7,9 +7,14 @@ namespace quillmarsh {
 
 class CommandScope {
  public:
-  CommandScope() : mIsEntered(!sIsRunning) { sIsRunning = true; }
+  CommandScope() : mIsEntered(!sIsRunning) {
+    sIsRunning = true;
+    if (mIsEntered && sListener != nullptr) sListener(true);
+  }
   ~CommandScope() {
-    if (mIsEntered) sIsRunning = false;
+    if (!mIsEntered) return;
+    sIsRunning = false;
+    if (sListener != nullptr) sListener(false);
   }
   CommandScope(const CommandScope&) = delete;
   CommandScope& operator=(const CommandScope&) = delete;
@@ -17,8 +22,13 @@ class CommandScope {
   [[nodiscard]] bool IsEntered() const { return mIsEntered; }
   [[nodiscard]] static bool IsRunning() { return sIsRunning; }
 
+  // Told of the beginning and the end of each command; must not raise. None by default.
+  using Listener = void (*)(bool isRunning);
+  static void SetListener(Listener listener) { sListener = listener; }
+
  private:
   static inline bool sIsRunning = false;
+  static inline Listener sListener = nullptr;
   bool mIsEntered;
 };
 

@@ -49,6 +49,7 @@ constexpr std::array Names = {
     "GetTempPathW",
     "SHGetFileInfoW",
     "ShellExecuteW",
+    "ShellExecuteExW",
     "SHFileOperationW",
     "GetFileVersionInfoSizeW",
     "GetFileVersionInfoW",

@@ -67,6 +67,7 @@ class Role {
     return code;
   }
   [[nodiscard]] bool HasHook() const { return mState->hook != nullptr; }
+  [[nodiscard]] const CallState& State() const { return *mState; }
 
   void SetLastError(std::uint32_t code) { mState->lastError = code; }
   // For `return Fail(code, false);`.

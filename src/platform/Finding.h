@@ -4,10 +4,26 @@
 // described, not followed).
 #pragma once
 
+#include <cstddef>
+#include <functional>
+#include <memory>
+
 #include "platform/CallHook.h"
 #include "platform/SystemTypes.h"
 
 namespace quillmarsh {
+
+// A listing that goes on beside everything else and is asked now and then what has come, for
+// whoever shows a folder and must stay alive. Its end gives it up and waits for nothing. Of one
+// thread, that of the machine.
+class BackgroundListing {
+ public:
+  virtual ~BackgroundListing() = default;
+  // Hands out the entries that have come since the last call, some thousands at most. 0 as long as
+  // more may come, also when none has; then 18, or the code of a failure, for good.
+  [[nodiscard]] virtual std::uint32_t Take(
+      const std::function<void(const WIN32_FIND_DATAW&)>& entry) = 0;
+};
 
 class Finding : public Role {
  public:
@@ -34,12 +50,19 @@ class Finding : public Role {
   void ReadAhead(TextView folder) { DoReadAhead(folder); }
   void DropReadAhead() { DoDropReadAhead(); }
 
+  // Begins to list a folder (with final backslash). A machine without a way of its own finds the
+  // entries when they are taken, and waits there for a file system that does not answer.
+  [[nodiscard]] std::unique_ptr<BackgroundListing> ListInBackground(TextView folder) {
+    return DoListInBackground(folder);
+  }
+
  private:
   virtual HANDLE DoFindFirst(TextView pattern, WIN32_FIND_DATAW& entry) = 0;
   virtual bool DoFindNext(HANDLE search, WIN32_FIND_DATAW& entry) = 0;
   virtual bool DoFindClose(HANDLE search) = 0;
   virtual void DoReadAhead(TextView folder) = 0;
   virtual void DoDropReadAhead() = 0;
+  virtual std::unique_ptr<BackgroundListing> DoListInBackground(TextView folder);
 };
 
 }  // namespace quillmarsh

@@ -46,10 +46,9 @@ class Machine {
   void SetHook(CallHook* hook) { mCalls.hook = hook; }
   // Not owned; without one an operation waits as long as it takes.
   void SetPatience(Patience* patience) { mPatience = patience; }
-
- protected:
   [[nodiscard]] Patience* CurrentPatience() const { return mPatience; }
 
+ protected:
   CallState mCalls;
 
  private:

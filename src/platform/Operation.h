@@ -49,6 +49,7 @@ enum class Operation : std::uint16_t {
   GetTempPathW,
   SHGetFileInfoW,
   ShellExecuteW,
+  ShellExecuteExW,
   SHFileOperationW,
   GetFileVersionInfoSizeW,
   GetFileVersionInfoW,

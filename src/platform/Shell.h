@@ -39,6 +39,20 @@ struct SHFILEOPSTRUCTW {
   bool fAnyOperationsAborted = false;  // the user stopped it, whatever the answer is
 };
 
+// Bits of SHELLEXECUTEINFOW::fMask.
+inline constexpr std::uint32_t SEE_MASK_INVOKEIDLIST = 0xC;
+inline constexpr std::uint32_t SEE_MASK_NOCLOSEPROCESS = 0x40;
+inline constexpr std::uint32_t SEE_MASK_FLAG_NO_UI = 0x400;
+inline constexpr std::uint32_t SEE_MASK_UNICODE = 0x4000;
+
+// What ShellExecuteExW is told.
+struct SHELLEXECUTEINFOW {
+  std::uint32_t fMask = 0;
+  Text lpVerb;
+  Text lpFile;
+  std::int32_t nShow = SW_SHOWNORMAL;
+};
+
 class Shell : public Role {
  public:
   using Role::Role;
@@ -62,8 +76,10 @@ class Shell : public Role {
   }
 
   // Starts a program with its parameters, or opens a file in the program for its type, and does not
-  // wait for it. "notepad.exe" stands for the system's viewer of plain text and takes one path,
-  // which may be in quotation marks.
+  // wait for it. "notepad.exe" stands for the system's viewer of plain text and "explorer.exe" for
+  // its viewer of folders; each takes one path, which may be in quotation marks. "rundll32.exe"
+  // with OpenAs_RunDLL lets a person choose the application; where there is no such box it is
+  // SE_ERR_NOASSOC.
   [[nodiscard]] std::intptr_t ShellExecuteW(TextView verb, TextView file, TextView parameters,
                                             std::int32_t show) {
     std::intptr_t answer = SE_ERR_ACCESSDENIED;
@@ -72,6 +88,13 @@ class Shell : public Role {
       return answer > kLastShellFailure;
     }));
     return answer;
+  }
+
+  // Does what a verb stands for with a file or folder. "properties" shows the system's window of
+  // its facts, which stays when the call has returned. The last error on failure.
+  [[nodiscard]] bool ShellExecuteExW(const SHELLEXECUTEINFOW& execution) {
+    return Run(Operation::ShellExecuteExW, execution.lpFile, false,
+               [&] { return DoExecuteEx(execution); });
   }
 
   // Sends files and folders to the Recycle Bin: FO_DELETE with FOF_ALLOWUNDO, one or more paths
@@ -97,6 +120,7 @@ class Shell : public Role {
   virtual Text DoGetTypeName(TextView name) = 0;
   virtual std::intptr_t DoExecute(TextView verb, TextView file, TextView parameters,
                                   std::int32_t show) = 0;
+  virtual bool DoExecuteEx(const SHELLEXECUTEINFOW& execution) = 0;
   virtual std::int32_t DoFileOperation(SHFILEOPSTRUCTW& operation) = 0;
   virtual std::vector<Text> DoRecycleBinMarks() = 0;
 };

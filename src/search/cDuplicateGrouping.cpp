@@ -47,6 +47,7 @@ Text HistoryText(const std::vector<Text>& locations, std::int32_t filesSearched)
 }  // namespace
 
 bool cDuplicateGrouping::ShowDupes(const std::vector<Text>& locations, std::int32_t filesSearched) {
+  mResults.mFilesSearched = filesSearched;
   const bool isWhole = Guarded(u"frmFindDuplicates.ShowDupes", [&] {
     switch (SortAndGroup()) {
       case Outcome::Grouped:

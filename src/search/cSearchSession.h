@@ -29,13 +29,16 @@ class cSearchSession {
 
   // Files looked at in the last search, whether they were kept or not.
   [[nodiscard]] std::int32_t FilesSearched() const { return mFilesSearched; }
+  // The locations that the results come from.
+  [[nodiscard]] const std::vector<Text>& SearchedFolders() const { return mSearchedFolders; }
+  // Empties the lists and the status of the last search; pumps, so its caller holds a CommandScope.
+  void SetStatusForNewSearch();
+  void ClearListviews();
 
  private:
   void Search();
   [[nodiscard]] bool SearchLocations(const class cSearchFilters& filters,
                                      class cSpecialFolders& specialFolders);
-  void ClearListviews();
-  void SetStatusForNewSearch();
   void DisableUIForSearch();
 
   cSearchResults& mResults;

@@ -2,6 +2,7 @@
 // Rows on finding and on attributes by path.
 #include <algorithm>
 #include <set>
+#include <thread>
 
 #include "platform/ConformanceRows.h"
 
@@ -56,6 +57,36 @@ void EntriesOnce(MachineUnderTest& ground) {
   EXPECT_EQ(listing.dotsFirst, 2);
   EXPECT_EQ(std::multiset<Text>(listing.names.begin(), listing.names.end()), expected);
   EXPECT_EQ(listing.endCode, ERROR_NO_MORE_FILES);
+}
+
+// Takes until the end; its code in `end`.
+std::multiset<Text> TakenInBackground(MachineUnderTest& ground, TextView folder,
+                                      std::uint32_t& end) {
+  std::multiset<Text> names;
+  const auto listing = ground.Get().Find().ListInBackground(folder);
+  end = 0;
+  while (end == 0) {
+    end = listing->Take([&](const WIN32_FIND_DATAW& entry) { names.emplace(entry.cFileName); });
+    std::this_thread::yield();
+  }
+  return names;
+}
+
+void ListedInBackground(MachineUnderTest& ground) {
+  std::multiset<Text> expected = {u".", u".."};
+  for (int i = 0; i < 1200; ++i) {
+    const Text name = u"entry " + DecimalText(i);
+    ground.MakeFile(u"beside\\" + name, "x");
+    expected.insert(name);
+  }
+  std::uint32_t end = 0;
+  EXPECT_EQ(TakenInBackground(ground, ground.PathOf(u"beside\\"), end), expected);
+  EXPECT_EQ(end, ERROR_NO_MORE_FILES);
+  EXPECT_TRUE(TakenInBackground(ground, ground.PathOf(u"no folder\\"), end).empty());
+  EXPECT_EQ(end, ERROR_PATH_NOT_FOUND);
+  // One that is given up upsets no other.
+  static_cast<void>(ground.Get().Find().ListInBackground(ground.PathOf(u"beside\\")));
+  EXPECT_EQ(ListFolder(ground.Get(), ground.PathOf(u"beside\\*")).names.size(), 1200U);
 }
 
 void FoldersTold(MachineUnderTest& ground) {
@@ -339,6 +370,7 @@ constexpr ConformanceRow rows[] = {
     {"ToLongPath", "the long prefix changes no answer", PrefixMeansTheSame},
     {"cFSXFolder.Enumerate", "entries that vanish during a listing upset no other",
      RemovedWhileListing},
+    {"ucBrowse", "a listing in the background gives the same entries and ends", ListedInBackground},
     {"cFSXFolder.Enumerate", "a closed search is an invalid handle", ClosedSearch},
     {"CopyFolder", "listings may be open one inside the other", TwoListingsAtOnce},
     {"cFSXFolder.GetJunctionPointType", "a search with a final backslash finds nothing",

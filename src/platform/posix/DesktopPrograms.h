@@ -18,4 +18,9 @@ namespace quillmarsh {
 // it cannot be started.
 [[nodiscard]] bool OpenInApplicationFor(const std::string& contentType, const std::string& native);
 
+// Has the desktop's file manager show its window about a file or folder. False without a bus of the
+// session or a file manager that can. May wait for both, and for ever where something listens at
+// the bus that never answers.
+[[nodiscard]] bool ShowItemProperties(const std::string& native);
+
 }  // namespace quillmarsh

@@ -14,7 +14,6 @@ namespace {
 
 constexpr std::chrono::milliseconds AskInterval{10};
 constexpr std::chrono::milliseconds KeepRootsFor{300};
-constexpr std::chrono::milliseconds FarewellLimit{200};
 constexpr std::size_t MostHints = 1U << 17U;
 constexpr std::size_t MostSpareBatches = 64;
 constexpr std::size_t LargestSpare = 1U << 14U;
@@ -67,7 +66,8 @@ FolderReader::~FolderReader() {
   mShared->quit = true;
   for (const auto& listing : mShared->order) listing->dropped = true;
   mShared->work.notify_all();
-  const bool exited = mShared->news.wait_for(lock, FarewellLimit, [&] { return mShared->exited; });
+  const bool exited =
+      mShared->news.wait_for(lock, mSettings.farewell, [&] { return mShared->exited; });
   lock.unlock();
   if (exited)
     mThread.join();
@@ -234,18 +234,20 @@ FolderReader::Portion FolderReader::Next(const std::shared_ptr<Listing>& listing
   return portion;
 }
 
+void FolderReader::Begin(const std::shared_ptr<Listing>& listing) {
+  const std::lock_guard lock(mShared->mutex);
+  mShared->urgent = listing;
+  if (!listing->queued)
+    Post(*mShared, listing, true);
+  else if (mShared->idle)
+    mShared->work.notify_one();
+}
+
 // False when the listing was given up.
 bool FolderReader::AwaitNews(const std::shared_ptr<Listing>& listing) {
   if (listing->hasNews.load(std::memory_order_acquire)) return true;
   if (listing->orphaned) return false;
-  {
-    const std::lock_guard lock(mShared->mutex);
-    mShared->urgent = listing;
-    if (!listing->queued)
-      Post(*mShared, listing, true);
-    else if (mShared->idle)
-      mShared->work.notify_one();
-  }
+  Begin(listing);
   SpinUntil(listing->hasNews);
   while (!listing->hasNews.load(std::memory_order_acquire)) {
     // The patience may run other commands of this thread, which may leave the thread behind.

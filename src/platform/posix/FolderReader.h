@@ -6,6 +6,7 @@
 #pragma once
 
 #include <atomic>
+#include <chrono>
 #include <cstddef>
 #include <cstdint>
 #include <deque>
@@ -49,6 +50,8 @@ class FolderReader {
     std::function<void(TextView)> beforeFolder;  // see ReadingTools
     std::function<Patience*()> patience;
     std::size_t bufferedBytes = std::size_t{16} << 20U;
+    // How long the end of the reader waits for its thread before it is left behind.
+    std::chrono::milliseconds farewell{200};
   };
   // Either a batch, or none and the end; a batch may carry the end that follows it.
   struct Portion {
@@ -67,6 +70,11 @@ class FolderReader {
 
   // Begins a listing, or takes over one that a hint began.
   [[nodiscard]] std::shared_ptr<Listing> Open(TextView folder);
+  // Has the reading begin, for a caller that asks HasNews instead of waiting in Next.
+  void Begin(const std::shared_ptr<Listing>& listing);
+  [[nodiscard]] static bool HasNews(const Listing& listing) {
+    return listing.hasNews.load(std::memory_order_acquire);
+  }
   // Waits for the next portion. Without a batch the end is 995 when the patience was lost.
   [[nodiscard]] Portion Next(const std::shared_ptr<Listing>& listing);
   // Gives a used batch back for another listing.

@@ -3,9 +3,36 @@
 #include "platform/posix/PosixFinding.h"
 
 namespace quillmarsh {
+namespace {
+
+// A reader of its own, so that a file system which does not answer holds up no search.
+class ListingOfItsOwn final : public BackgroundListing {
+ public:
+  ListingOfItsOwn(FolderReader::Settings settings, TextView folder)
+      : mReader(std::move(settings)), mListing(mReader.Open(folder)) {
+    mReader.Begin(mListing);
+  }
+  ~ListingOfItsOwn() override { mReader.Close(mListing); }
+
+  std::uint32_t Take(const std::function<void(const WIN32_FIND_DATAW&)>& entry) override {
+    if (!FolderReader::HasNews(*mListing)) return 0;
+    FolderReader::Portion portion = mReader.Next(mListing);
+    if (portion.batch != nullptr) {
+      for (const WIN32_FIND_DATAW& found : portion.batch->entries) entry(found);
+      mReader.Recycle(std::move(portion.batch));
+    }
+    return portion.end;
+  }
+
+ private:
+  FolderReader mReader;
+  const std::shared_ptr<Listing> mListing;
+};
+
+}  // namespace
 
 PosixFinding::PosixFinding(CallState& state, PosixContext& context, FolderReader::Settings settings)
-    : Finding(state), mContext(context), mReader(std::move(settings)) {}
+    : Finding(state), mContext(context), mSettings(std::move(settings)), mReader(mSettings) {}
 
 HANDLE PosixFinding::DoFindFirst(TextView pattern, WIN32_FIND_DATAW& entry) {
   const std::size_t backslash = pattern.rfind(u'\\');
@@ -53,6 +80,13 @@ bool PosixFinding::DoFindClose(HANDLE handle) {
     mSpare = std::move(search);
   }
   return true;
+}
+
+std::unique_ptr<BackgroundListing> PosixFinding::DoListInBackground(TextView folder) {
+  FolderReader::Settings settings = mSettings;
+  settings.patience = nullptr;
+  settings.farewell = std::chrono::milliseconds(0);
+  return std::make_unique<ListingOfItsOwn>(std::move(settings), folder);
 }
 
 HANDLE PosixFinding::FindSingle(TextView path, WIN32_FIND_DATAW& entry) {

@@ -31,11 +31,13 @@ class PosixFinding final : public Finding {
   bool DoFindClose(HANDLE handle) override;
   void DoReadAhead(TextView folder) override { mReader.Hint(folder); }
   void DoDropReadAhead() override { mReader.DropHints(); }
+  std::unique_ptr<BackgroundListing> DoListInBackground(TextView folder) override;
 
   HANDLE FindSingle(TextView path, WIN32_FIND_DATAW& entry);
   bool HandOut(Search& search, WIN32_FIND_DATAW& entry);
 
   PosixContext& mContext;
+  const FolderReader::Settings mSettings;
   FolderReader mReader;
   HandleTable<Search> mSearches;
   std::unique_ptr<Search> mSpare;  // most searches follow one another

@@ -40,6 +40,9 @@ std::string HomeOfUser() {
 }
 
 constexpr TextView kTextViewer = u"notepad.exe";
+constexpr TextView kFolderViewer = u"explorer.exe";
+constexpr TextView kApplicationChooser = u"rundll32.exe";
+constexpr TextView kPropertiesVerb = u"properties";
 constexpr std::intptr_t kStarted = 42;
 
 TextView WithoutQuotes(TextView parameter) {
@@ -172,25 +175,50 @@ Text PosixShell::DoGetTypeName(TextView name) {
   return Fail(ERROR_FILE_NOT_FOUND, Text());
 }
 
+std::uint32_t PosixShell::NativeOf(TextView path, Located& located, std::string& native) {
+  EntryFacts entry;
+  if (const std::uint32_t error = mContext.Locate(path, located)) return error;
+  if (const std::uint32_t error = mContext.LookAt(located, entry)) return error;
+  native = JoinNative(located.drive->mount->point, located.path.relative);
+  return ERROR_SUCCESS;
+}
+
 std::intptr_t PosixShell::DoExecute(TextView /*verb*/, TextView file, TextView parameters,
                                     std::int32_t /*show*/) {
-  const bool isTextViewer = CompareIgnoringCase(file, kTextViewer) == 0;
+  const auto is = [file](TextView program) { return CompareIgnoringCase(file, program) == 0; };
+  if (is(kApplicationChooser)) return SE_ERR_NOASSOC;
+  const bool isViewer = is(kTextViewer) || is(kFolderViewer);
   Located located;
-  EntryFacts entry;
-  std::uint32_t error = mContext.Locate(isTextViewer ? WithoutQuotes(parameters) : file, located);
-  if (error == 0) error = mContext.LookAt(located, entry);
+  std::string native;
+  std::uint32_t error = NativeOf(isViewer ? WithoutQuotes(parameters) : file, located, native);
   if (error != 0) return ShellAnswerOf(error);
   if (!HasDesktopSession()) return SE_ERR_NOASSOC;
 
-  const std::string native = JoinNative(located.drive->mount->point, located.path.relative);
-  std::string type = "text/plain";
-  if (!isTextViewer)
+  std::string type = is(kTextViewer) ? "text/plain" : "inode/directory";
+  if (!isViewer)
     error = mContext.Run(located.drive->kind.answers, type, [native](std::string& found) {
       found = ContentTypeOf(native);
       return ERROR_SUCCESS;
     });
   const bool isStarted = error == 0 && OpenInApplicationFor(type, native);
   return isStarted ? kStarted : SE_ERR_NOASSOC;
+}
+
+// On the helper, since the file manager may have to be started first, and since nobody knows what
+// listens at the session's bus.
+bool PosixShell::DoExecuteEx(const SHELLEXECUTEINFOW& execution) {
+  if (CompareIgnoringCase(execution.lpVerb, kPropertiesVerb) != 0)
+    return Fail(ERROR_INVALID_PARAMETER, false);
+  Located located;
+  std::string native;
+  std::uint32_t error = NativeOf(execution.lpFile, located, native);
+  if (error != 0) return Fail(error, false);
+  if (!HasDesktopSession()) return Fail(ERROR_NO_ASSOCIATION, false);
+  char nothing = 0;
+  error = mContext.Run(false, nothing, [native](char&) {
+    return ShowItemProperties(native) ? ERROR_SUCCESS : ERROR_NO_ASSOCIATION;
+  });
+  return error == ERROR_SUCCESS || Fail(error, false);
 }
 
 std::uint32_t PosixShell::SendToBin(TextView path, const Located& homeTrash) {

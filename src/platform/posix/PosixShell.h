@@ -32,10 +32,14 @@ class PosixShell final : public Shell {
   // The verb and how to show a window are the other program's own business here.
   std::intptr_t DoExecute(TextView verb, TextView file, TextView parameters,
                           std::int32_t show) override;
+  // The properties by the desktop's file manager; there is no other verb.
+  bool DoExecuteEx(const SHELLEXECUTEINFOW& execution) override;
   // Into the desktop's trash.
   std::int32_t DoFileOperation(SHFILEOPSTRUCTW& operation) override;
   std::vector<Text> DoRecycleBinMarks() override;
 
+  // The native path of an entry that is there, or a code.
+  [[nodiscard]] std::uint32_t NativeOf(TextView path, Located& located, std::string& native);
   // Without a drive, and with a code, where there is none that has a letter.
   Located HomeTrash(std::uint32_t& error);
   // Answers a code of the system.

@@ -144,6 +144,17 @@ std::intptr_t SimulatedShell::DoExecute(TextView verb, TextView file, TextView p
   return mWorld->shellAnswer;
 }
 
+// Only of what is there are there properties.
+bool SimulatedShell::DoExecuteEx(const SHELLEXECUTEINFOW& execution) {
+  const Resolved place = mWorld->Look(execution.lpFile, LastLink::Keep);
+  if (place.error != 0) return Fail(place.error, false);
+  if (mWorld->shellAnswer <= kLastShellFailure)
+    return Fail(static_cast<std::uint32_t>(mWorld->shellAnswer), false);
+  mWorld->started.push_back(
+      {execution.lpVerb, execution.lpFile, {}, execution.nShow, execution.fMask});
+  return true;
+}
+
 std::optional<VersionBlock> SimulatedVersions::BlockOf(TextView path) {
   const std::optional<VersionBlock> none;
   const Resolved place = mWorld->Look(path, LastLink::Follow);

@@ -19,6 +19,7 @@ class SimulatedShell final : public Shell {
   Text DoGetTypeName(TextView name) override;
   std::intptr_t DoExecute(TextView verb, TextView file, TextView parameters,
                           std::int32_t show) override;
+  bool DoExecuteEx(const SHELLEXECUTEINFOW& execution) override;
   std::int32_t DoFileOperation(SHFILEOPSTRUCTW& operation) override;
   std::vector<Text> DoRecycleBinMarks() override { return {}; }
 

@@ -11,6 +11,7 @@ struct StartedProgram {
   Text file;
   Text parameters;
   std::int32_t show = 0;
+  std::uint32_t mask = 0;  // of ShellExecuteExW
 };
 
 }  // namespace quillmarsh

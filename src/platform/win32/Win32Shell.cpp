@@ -63,6 +63,22 @@ std::intptr_t Win32Shell::DoExecute(TextView verb, TextView file, TextView param
   });
 }
 
+bool Win32Shell::DoExecuteEx(const SHELLEXECUTEINFOW& execution) {
+  return Forward(mCalls, [&] {
+    const std::wstring verb = Wide(execution.lpVerb);
+    const std::wstring file = Wide(execution.lpFile);
+    ::SHELLEXECUTEINFOW call{};
+    call.cbSize = sizeof(call);
+    call.fMask = execution.fMask;
+    call.lpVerb = verb.empty() ? nullptr : verb.c_str();
+    call.lpFile = file.c_str();
+    call.nShow = execution.nShow;
+    const bool isDone = ::ShellExecuteExW(&call) != FALSE;
+    if (call.hProcess != nullptr) ::CloseHandle(call.hProcess);
+    return isDone;
+  });
+}
+
 std::int32_t Win32Shell::DoFileOperation(SHFILEOPSTRUCTW& operation) {
   operation.fAnyOperationsAborted = false;
   if (operation.wFunc != FO_DELETE || (operation.fFlags & FOF_ALLOWUNDO) == 0)

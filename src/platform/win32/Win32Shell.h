@@ -23,6 +23,7 @@ class Win32Shell final : public Shell {
   Text DoGetTypeName(TextView name) override;
   std::intptr_t DoExecute(TextView verb, TextView file, TextView parameters,
                           std::int32_t show) override;
+  bool DoExecuteEx(const SHELLEXECUTEINFOW& execution) override;
   std::int32_t DoFileOperation(SHFILEOPSTRUCTW& operation) override;
   // The bin's place follows from the file system of the drive here.
   std::vector<Text> DoRecycleBinMarks() override { return {}; }

@@ -1,11 +1,15 @@
 // SPDX-License-Identifier: MIT
 // The details list: one group's files, a cell made from the record when it is drawn.
+#include <iterator>
+
 #include "base/LocaleFormat.h"
 #include "frame/ErrorReporting.h"
 #include "frame/TextTable.h"
+#include "frame/Views.h"
 #include "fsobjects/AttributeLetters.h"
 #include "fsobjects/LocaleFormats.h"
 #include "platform/Machine.h"
+#include "search/results/DetailColumns.h"
 #include "search/results/cSearchResults.h"
 
 namespace quillmarsh {
@@ -14,6 +18,8 @@ namespace {
 
 // The item data of the line that stands for an emptied group.
 constexpr std::int32_t kNoRecord = 0;
+
+constexpr TextId kHeadings[] = {102, 486, 349, 487, 488, 352};
 
 Text SizeText(Currency size) {
   if (size == Currency::FromInteger(-1)) return u"(" + LoadResString(353) + u")";
@@ -25,6 +31,17 @@ Text DateText(Date date) {
 }
 
 }  // namespace
+
+int GetDupeDetailColCount() {
+  return static_cast<int>(std::size(kHeadings)) + 1;
+}
+
+Text GetDupeDetailColLabelFromColNumber(int number) {
+  if (number >= 0 && number < static_cast<int>(std::size(kHeadings)))
+    return LoadResString(kHeadings[number]);
+  ShowMessageBox({u"Ooops.  Unsupported case in GetDupeDetailColLabelFromColNumber", {}});
+  return {};
+}
 
 void cSearchResults::DisplayDupeGroupDetails(std::int32_t group, bool force) {
   Guarded(u"frmFindDuplicates.DisplayDupeGroupDetails", [&] {

@@ -2,7 +2,7 @@
 // One of the two lists of results as plain data: items with their data, and which one is selected.
 // It owns no text: a cell is formatted when somebody asks for it. A view that shows the list is
 // told when it changes; while the list is locked for a mass fill the view sees an empty list, and
-// is told once at the end.
+// is told at its beginning and its end only.
 #pragma once
 
 #include <cstdint>
@@ -13,11 +13,15 @@
 
 namespace quillmarsh {
 
+// What a view of a list has to do anew: everything, the texts and marks of its rows, or which row
+// is the selected one.
+enum class ListChange { Rows, Cells, Selection };
+
 class cResultsList {
  public:
   // Makes the text of a cell from an item's data and the column, from 0.
   using CellFormatter = std::function<Text(std::int32_t itemData, int column)>;
-  using ChangeListener = std::function<void()>;
+  using ChangeListener = std::function<void(ListChange)>;
 
   static constexpr std::int32_t NoItem = -1;
 
@@ -31,11 +35,15 @@ class cResultsList {
   // Removes every item whose data the predicate is true for, in one pass. The selection stays with
   // its item, or is gone with it.
   void RemoveIf(const std::function<bool(std::int32_t itemData)>& predicate);
+  // Puts the items in the order in which `order` names their positions. The selection stays with
+  // its item. False, with the list as it was, for what does not name each position once.
+  [[nodiscard]] bool Reorder(const std::vector<std::int32_t>& order);
   // The cells or marks of items have changed, without the list having.
-  void TellItemsChanged() const { TellChange(); }
+  void TellItemsChanged() const { TellChange(ListChange::Cells); }
 
   // What a view sees: nothing while the list is locked.
-  [[nodiscard]] std::int32_t VisibleCount() const { return mIsLocked ? 0 : Count(); }
+  [[nodiscard]] std::int32_t VisibleCount() const { return mLocks > 0 ? 0 : Count(); }
+  [[nodiscard]] const std::vector<std::int32_t>& Items() const { return mItems; }
   [[nodiscard]] std::int32_t Count() const { return static_cast<std::int32_t>(mItems.size()); }
   // `position` from 0 to Count() - 1; anything else gives NoItem or an empty text.
   [[nodiscard]] std::int32_t ItemData(std::int32_t position) const;
@@ -47,11 +55,8 @@ class cResultsList {
   // The window-update lock for a mass fill: taken when made, released when destroyed.
   class UpdateLock {
    public:
-    explicit UpdateLock(cResultsList& list) : mList(list) { mList.mIsLocked = true; }
-    ~UpdateLock() {
-      mList.mIsLocked = false;
-      mList.TellChange();
-    }
+    explicit UpdateLock(cResultsList& list);
+    ~UpdateLock();
     UpdateLock(const UpdateLock&) = delete;
     UpdateLock& operator=(const UpdateLock&) = delete;
 
@@ -60,11 +65,11 @@ class cResultsList {
   };
 
  private:
-  void TellChange() const;
+  void TellChange(ListChange change) const;
 
   std::vector<std::int32_t> mItems;
   std::int32_t mSelected = NoItem;
-  bool mIsLocked = false;
+  int mLocks = 0;
   CellFormatter mFormatter;
   ChangeListener mListener;
 };

@@ -7,6 +7,7 @@
 #include "base/LocaleFormat.h"
 #include "fsobjects/LocaleFormats.h"
 #include "fsobjects/modPaths.h"
+#include "platform/Machine.h"
 
 namespace quillmarsh {
 
@@ -43,6 +44,17 @@ std::int32_t cSearchResults::RecordCount() const {
 
 Text cSearchResults::FullPathOf(const DupeFileUDT& record) const {
   return GetFolderPathByIdx(record.ParentFolderIdx) + Text(NameOf(record));
+}
+
+void cSearchResults::SetName(std::int32_t index, TextView name) {
+  if (index < 1 || index > RecordCount()) return;
+  DupeFileUDT& record = mDupeFiles[static_cast<std::size_t>(index) - 1];
+  const NameHandle handle = mNames.Add(name);
+  // Both are kept by the handle.
+  if (const auto passes = mSecondPasses.extract(record.Name); !passes.empty())
+    mSecondPasses.emplace(handle, passes.mapped());
+  if (mUnreadable.erase(record.Name) > 0) mUnreadable.insert(handle);
+  record.Name = handle;
 }
 
 void cSearchResults::AddGroup(std::int32_t firstRecord, std::int32_t count, Currency totalSize) {
@@ -137,7 +149,7 @@ Text cSearchResults::GroupCell(std::int32_t group, int column) const {
   const DupeFileUDT& first = Record(firstRecord);
   switch (column) {
     case 0:
-      return mCriteria.namesMatch ? Text(NameOf(first))
+      return mCriteria.namesMatch ? TheMachine().Drives().ShownPath(NameOf(first))
                                   : FormatGrouped(first.Size, GetLocaleFacts());
     case 1:
       return DecimalText(mGroupFileCount[row]);

@@ -23,7 +23,8 @@ class cSearchResults {
   // The number of records as the last complete walk left it. After a stopped walk it may be that of
   // an earlier search, so loops are bounded by RecordCount.
   std::int32_t mFileCount = 0;
-  std::vector<bool> mFileMarked;  // marked for removal, by record, from 0
+  std::int32_t mFilesSearched = 0;  // that the walk looked at, whether they passed or not
+  std::vector<bool> mFileMarked;    // marked for removal, by record, from 0
 
   std::vector<Currency> mGroupTotalSize;      // by group, from 0
   std::vector<std::int32_t> mGroupFileCount;  // by group, from 0
@@ -52,6 +53,9 @@ class cSearchResults {
   [[nodiscard]] RecordFacts Facts() const { return {mNames, mSecondPasses, mUnreadable}; }
   [[nodiscard]] TextView NameOf(const DupeFileUDT& record) const { return mNames.Get(record.Name); }
   [[nodiscard]] Text FullPathOf(const DupeFileUDT& record) const;
+  // The file of a record (from 1) has another name now. What is known of its dates and contents
+  // stays with it. A full arena raises error 7 and changes nothing.
+  void SetName(std::int32_t index, TextView name);
 
   // Groups. A new one has as members the records from `firstRecord` on, `count` of them; what is
   // said of one below that answers nothing for a group that is not there.

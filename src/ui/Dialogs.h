@@ -1,0 +1,20 @@
+// SPDX-License-Identifier: MIT
+// The small modal dialogs that tell where things stand. Each is made when it is shown, over the
+// window that is given, and is gone afterwards.
+#pragma once
+
+#include <QWidget>
+
+#include "search/SearchView.h"
+#include "selection/SelectionView.h"
+
+namespace quillmarsh {
+
+void ShowSearchSummaryDialog(QWidget* parent, const SearchSummary& summary);
+void ShowSelectSummaryDialog(QWidget* parent, const SelectSummary& summary);
+// kRemovalWarningContinue or kRemovalWarningCancel; closed in any other way, Cancel.
+[[nodiscard]] std::int32_t ShowRemovalWarningDialog(QWidget* parent);
+void ShowGettingStartedDialog(QWidget* parent);
+void ShowAboutDialog(QWidget* parent);
+
+}  // namespace quillmarsh
