@@ -115,8 +115,10 @@ int main(int argc, char** argv) {
   {
     frmFindDuplicates window(views);
     views.SetWindow(&window);
+    // Those of an earlier run stand there already, and adding them again would be told in a box.
+    const bool isFirstRun = window.GetParts().folders.Folders().empty();
     for (const QString& folder : arguments)
-      window.GetParts().folders.AddDroppedFolder(folder.toStdString());
+      if (isFirstRun) window.GetParts().folders.AddDroppedFolder(folder.toStdString());
     TakeAll(window, painter);
     views.SetWindow(nullptr);
   }
