@@ -188,7 +188,8 @@ std::uint32_t MoveByCopy(const std::wstring& existing, const std::wstring& newPa
   if (const std::uint32_t code = WhyNotTaken(newPath, whenTaken, kNeverReplaced)) return code;
   if (const std::uint32_t code = CopyFrom(source.Get(), {existing, newPath, whenTaken, true}))
     return code;
-  DeleteSource(existing);
+  // What was saved under the source's name meanwhile has not been copied, and stays.
+  if (AreOneFile(source.Get(), existing)) DeleteSource(existing);
   return ERROR_SUCCESS;
 }
 
