@@ -122,8 +122,7 @@ ExitCode Remove(ConsoleSearch& search, const RemoveArguments& arguments,
   RemovalReport report(arguments.search.format, arguments.search.isQuiet, output);
   VerifyingGuard guard(
       search.Results(),
-      arguments.isVerified ? VerifyingGuard::Checks::EverythingThatGoes
-                           : VerifyingGuard::Checks::ReplacementsOnly,
+      arguments.isVerified ? VerifyingGuard::Checks::Both : VerifyingGuard::Checks::Replacements,
       [&report](TextView fileSpec, TextView reason) { report.LeftAlone(fileSpec, reason); });
   QuietRemovalView view;
   cRemovalRun run(search.Results(), *gDupeSettings, view, search.FilesSearched());

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
-// A last look before a file goes, for programs in which no person sees what is about to happen. A
-// removal without a guard does what its marks say. What it refuses stays where it is and in its
-// group; the guard has told why.
+// A last look before a file goes: its marks were made when the search ended, and other programs
+// have had their time since. A removal without a guard does what its marks say. What it refuses
+// stays where it is and in its group; the guard has told why.
 #pragma once
 
 #include "base/Text.h"

@@ -182,7 +182,7 @@ Text VerifyingGuard::WhyNotRemoved(std::int32_t group, std::int32_t record) {
 }
 
 bool VerifyingGuard::MayRemove(std::int32_t group, std::int32_t record) {
-  if (mChecks == Checks::ReplacementsOnly) return true;
+  if (mChecks == Checks::Replacements) return true;
   const Text reason = WhyNotRemoved(group, record);
   if (reason.empty()) return true;
   if (gUserAbort) return false;
@@ -191,6 +191,7 @@ bool VerifyingGuard::MayRemove(std::int32_t group, std::int32_t record) {
 }
 
 bool VerifyingGuard::MayReplace(TextView fileSpec, TextView existing) {
+  if (mChecks == Checks::FilesThatGo) return true;
   const Text reason = WhyNotSameBytes(Text(fileSpec), Text(existing));
   if (reason.empty()) return true;
   mTeller(fileSpec, u"another file is in its place, \"" +

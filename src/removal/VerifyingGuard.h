@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
-// The guard of programs that ask nobody. Before a file goes, it and a copy that stays must still be
-// what the search saw, and two files; where contents were a criterion, their bytes are compared
-// once more. A file in the DUPES folder is only replaced by one of the same bytes. It changes
-// nothing and keeps nothing open.
+// Before a file goes, it and a copy that stays must still be what the search saw, and two files;
+// where contents were a criterion, their bytes are compared once more. A file in the DUPES folder
+// is only replaced by one of the same bytes, unless a person sees to it. It changes nothing and
+// keeps nothing open.
 #pragma once
 
 #include <functional>
@@ -17,8 +17,7 @@ class VerifyingGuard final : public RemovalGuard {
  public:
   // Takes the path of a file that is left alone and the reason, a clause without a full stop.
   using Teller = std::function<void(TextView fileSpec, TextView reason)>;
-  // Without the first only replacements are looked at.
-  enum class Checks { EverythingThatGoes, ReplacementsOnly };
+  enum class Checks { FilesThatGo, Replacements, Both };
 
   VerifyingGuard(const cSearchResults& results, Checks checks, Teller teller)
       : mResults(results), mChecks(checks), mTeller(std::move(teller)) {}

@@ -78,7 +78,7 @@ void cRemovalRun::GetRemovalMethodDescription(Text& text) const {
   text.clear();
 }
 
-void cRemovalRun::RemoveMarkedFilesAllGroups(bool listOnly) {
+void cRemovalRun::RemoveMarkedFilesAllGroups(bool listOnly, RemovalGuard* guard) {
   if (listOnly) {
     Walk walk(Mode::ListOnly, mSettings, nullptr, {});
     Guarded(kSource, [&] { RemoveMarked(walk); });
@@ -96,7 +96,7 @@ void cRemovalRun::RemoveMarkedFilesAllGroups(bool listOnly) {
                     LoadResString(377), MessageBoxIcon::Exclamation});
     return;
   }
-  Walk walk(Mode::Files, mSettings, nullptr, {});
+  Walk walk(Mode::Files, mSettings, guard, {});
   std::int32_t confirmedCount = 0;
   walk.outcome.isFailed = !Guarded(kSource, [&] {
     walk.dupesFolder = GetDupesFolderPath();
@@ -206,6 +206,7 @@ bool cRemovalRun::RemoveFromGroup(Walk& walk, std::int32_t group) {
     bool isRemoved = walk.guard == nullptr || walk.guard->MayRemove(group, record);
     // A stop while the guard compares leaves the file as one that was not reached.
     if (!isRemoved && gUserAbort) return EndByStop(walk);
+    if (!isRemoved) walk.outcome.refusedCount += 1;
     if (isRemoved && walk.mode == Mode::Files) {
       const Text fileSpec = mResults.FullPathOf(mResults.Record(record));
       walk.removal.RemoveFile(fileSpec, walk.dupesFolder, isRemoved);
@@ -293,10 +294,16 @@ void cRemovalRun::Close() {
 }
 
 // After the guidelines, which name no number, and where nothing was confirmed, a run ends without a
-// word.
+// word, unless files were kept back that a person believes gone.
 void cRemovalRun::TellEnd(const Outcome& outcome, std::int32_t confirmedCount) const {
   if (gUserAbort) {
     ShowMessageBox({LoadResString(382), LoadResString(383), MessageBoxIcon::Information});
+  } else if (outcome.refusedCount > 0) {
+    ShowMessageBox({LoadResString(384) + Text(kLineBreak) + Text(kLineBreak) +
+                        u"Files left in their places, since they or the copies that were to stay "
+                        u"have changed since the search: " +
+                        FormatGrouped(std::int64_t{outcome.refusedCount}, GetLocaleFacts()),
+                    LoadResString(385), MessageBoxIcon::Exclamation});
   } else if (confirmedCount == 0) {
     return;
   } else if (outcome.failedCount > 0 || outcome.isFailed) {

@@ -20,6 +20,7 @@ class cRemovalRun {
     std::int32_t removedCount = 0;
     Currency removedSize;  // bytes, of files whose size is known
     std::int32_t failedCount = 0;
+    std::int32_t refusedCount = 0;  // of the failed ones, those that the guard refused
     bool isStopped = false;
     bool isRefused = false;  // another removal is running; nothing was done
     bool isFailed = false;   // by what was reported as an error of the program
@@ -31,8 +32,9 @@ class cRemovalRun {
       : mResults(results), mSettings(settings), mView(view), mFilesSearched(filesSearched) {}
 
   // The command. With `listOnly` nothing is asked and no file is touched, but every marked file of
-  // every group leaves the lists as if it were gone. Does nothing while another command runs.
-  void RemoveMarkedFilesAllGroups(bool listOnly);
+  // every group leaves the lists as if it were gone. Does nothing while another command runs. The
+  // guard may be null; how many files it refused is told at the end on every way.
+  void RemoveMarkedFilesAllGroups(bool listOnly, RemovalGuard* guard = nullptr);
   // The same without a question or a closing message, for callers that have asked in their own way.
   // Guard and listener may be null.
   Outcome RemoveWithoutAsking(RemovalGuard* guard, RemovalListener listener);

@@ -8,8 +8,10 @@
 #include "frame/TextTable.h"
 #include "platform/Machine.h"
 #include "removal/DuplicatesExport.h"
+#include "removal/VerifyingGuard.h"
 #include "removal/cRemovalRun.h"
 #include "removal/history/HistoryCommands.h"
+#include "removal/history/cLog.h"
 #include "settings/OptionsFolder.h"
 #include "ui/Dialogs.h"
 #include "ui/ExcludeListCommands.h"
@@ -30,9 +32,15 @@ void FindDuplicates(Parts& parts) {
   parts.session.FindDuplicateFiles();
 }
 
+// A window may show its results for days before they are acted upon.
 void RemoveMarkedFiles(Parts& parts) {
+  VerifyingGuard guard(
+      parts.results, VerifyingGuard::Checks::FilesThatGo, [](TextView fileSpec, TextView reason) {
+        AddFreeTextToLog(u"File left in its place: " + TheMachine().Drives().ShownPath(fileSpec) +
+                         u" - " + Text(reason));
+      });
   cRemovalRun(parts.results, *gDupeSettings, parts.views, parts.session.FilesSearched())
-      .RemoveMarkedFilesAllGroups(false);
+      .RemoveMarkedFilesAllGroups(false, &guard);
 }
 
 void Export(Parts& parts) {

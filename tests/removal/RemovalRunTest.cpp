@@ -259,7 +259,7 @@ class Guard : public RemovalRun {
  protected:
   Strings RemoveGuarded(RemoveMethod method) {
     Strings told;
-    VerifyingGuard guard(program->results, VerifyingGuard::Checks::EverythingThatGoes,
+    VerifyingGuard guard(program->results, VerifyingGuard::Checks::Both,
                          [&told](TextView path, TextView reason) {
                            told.push_back(ToUtf8(path).substr(8) + ": " + ToUtf8(reason));
                          });
@@ -313,7 +313,7 @@ TEST_F(Guard, WhatChangedSinceTheSearchIsLeftAlone) {
     fresh.MarkPath(PathOf(u"2\\a"));
     row.change(fresh.machine);
     Strings told;
-    VerifyingGuard guard(fresh.results, VerifyingGuard::Checks::EverythingThatGoes,
+    VerifyingGuard guard(fresh.results, VerifyingGuard::Checks::Both,
                          [&told](TextView path, TextView reason) {
                            told.push_back(ToUtf8(path).substr(8) + ": " + ToUtf8(reason));
                          });

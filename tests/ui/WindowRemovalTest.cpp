@@ -1,11 +1,14 @@
 // SPDX-License-Identifier: MIT
 // Removals in the window, and what a person does while one runs.
 #include <QDir>
+#include <QDirIterator>
 #include <QTest>
 
 #include "WindowFixture.h"
 #include "frame/CommandScope.h"
+#include "frame/Pickers.h"
 #include "frame/TextTable.h"
+#include "removal/history/cLog.h"
 #include "ui/QtText.h"
 
 namespace quillmarsh {
@@ -88,6 +91,59 @@ TEST_F(WindowRemovalTest, TheWindowClosesAtOnceAndTheRemovalEndsBehindIt) {
   EXPECT_EQ(FilesLeft(), leftAtClose);
   EXPECT_FALSE(CommandScope::IsRunning());
   ReleaseWindow();
+}
+
+struct Way {
+  const char* method;
+  const char* place;  // below which the files are found
+};
+
+class WindowRemovalWayTest : public WindowRemovalTest,
+                             public testing::WithParamInterface<Way>,
+                             private FolderPicker {
+ protected:
+  void SetUp() override {
+    WindowRemovalTest::SetUp();
+    gPickers.folders = this;
+  }
+  [[nodiscard]] QString Other() const { return FilesFolder() + QStringLiteral("/elsewhere"); }
+
+ private:
+  Text BrowseForFolder(const Text&, const Text&) override { return DriveForm(Other()); }
+};
+
+TEST_P(WindowRemovalWayTest, TheFilesAreWhereTheMethodPutsThem) {
+  QDir().mkpath(Other());
+  Parts().menus->Entry(QString::fromLatin1(GetParam().method))->trigger();
+  boxes.Expect(LoadResString(378) + u": 25", MessageBoxResult::Yes);
+  boxes.Expect(LoadResString(386));
+  Parts().menus->Entry(QStringLiteral("mnuPopupRemoveMarkedFiles"))->trigger();
+  EXPECT_EQ(FilesLeft(), kPairs);
+  QDirIterator found(FilesFolder() + QLatin1String(GetParam().place), {QStringLiteral("pair*.txt")},
+                     QDir::Files, QDirIterator::Subdirectories);
+  int count = 0;
+  for (; found.hasNext(); found.next()) ++count;
+  EXPECT_EQ(count, kPairs);
+}
+
+INSTANTIATE_TEST_SUITE_P(Each, WindowRemovalWayTest,
+                         testing::Values(Way{"mnuRemovalOptions(1)", "/../data/Trash/files"},
+                                         Way{"mnuRemovalOptions(2)", "/../data/Harrow Fen"},
+                                         Way{"mnuRemovalOptions(3)", "/elsewhere"}));
+
+TEST_F(WindowRemovalTest, AFileWhoseCopyHasGoneSinceTheSearchStays) {
+  const std::vector<std::int32_t> members = Parts().results.MembersOf(1);
+  for (const std::int32_t member : members) {
+    if (Parts().results.mFileMarked[static_cast<std::size_t>(member) - 1]) continue;
+    const Text kept = Parts().results.FullPathOf(Parts().results.Record(member));
+    ASSERT_TRUE(QFile::remove(ToQString(TheMachine().Drives().ShownPath(kept))));
+  }
+  boxes.Expect(LoadResString(378) + u": 25", MessageBoxResult::Yes);
+  boxes.Expect(u"the copies that were to stay have changed since the search: 1");
+  Press(*Parts().smtSearchResultsToolbar, "REMOVE_KEY");
+  EXPECT_EQ(FilesLeft(), kPairs) << "one of each pair";
+  EXPECT_EQ(Parts().ulvwDupeGroups->Model().rowCount(), 1);
+  EXPECT_NE(gLog->GetLogEntriesFromFile().find(u"File left in its place"), Text::npos);
 }
 
 }  // namespace
