@@ -8,6 +8,7 @@
 
 #include "filetypes/modSearchFileTypes.h"
 #include "selection/RuleTexts.h"
+#include "ui/AccessKeys.h"
 #include "ui/QtText.h"
 
 namespace quillmarsh {
@@ -157,9 +158,14 @@ constexpr std::string_view kDialogsToCome[] = {
     "mnuHelpTroubleshootingAnalyzeFSO",
 };
 
-// An ampersand in a caption is no mark of a key.
-QString MenuText(const Caption& caption) {
-  return ToQString(caption.Get()).replace(u'&', QStringLiteral("&&"));
+// Those of one menu, and then those of the menus below it.
+void GiveAccessKeys(const QList<QAction*>& entries) {
+  QString taken;
+  for (QAction* const entry : entries) {
+    if (entry->isSeparator()) continue;
+    entry->setText(WithAccessKey(entry->text(), taken));
+    if (entry->menu() != nullptr) GiveAccessKeys(entry->menu()->actions());
+  }
 }
 
 }  // namespace
@@ -184,6 +190,8 @@ bool HasItsDialog(std::string_view nameOrKey) {
 MainMenus::MainMenus(QMenuBar& bar, QWidget& window) : QObject(&window), mWindow(window) {
   Fill(bar, kMenuBar);
   Fill(window, kPopup);
+  GiveAccessKeys(bar.actions());
+  GiveAccessKeys(Menu(QStringLiteral("mnuPopup"))->actions());
   Menu(QStringLiteral("mnuPopup"))->setDefaultAction(Entry(QStringLiteral("mnuPopupViewFile")));
 }
 
@@ -197,7 +205,7 @@ void MainMenus::Fill(QWidget& root, std::span<const MenuRow> rows) {
       AddEntry(parent, row);
       continue;
     }
-    auto* const menu = new QMenu(MenuText(row.caption), &parent);
+    auto* const menu = new QMenu(ToQString(row.caption.Get()), &parent);
     menu->setObjectName(QString::fromLatin1(row.name));
     menu->setAccessibleName(ToQString(row.caption.Get()));
     mMenus.append(menu);
@@ -208,7 +216,7 @@ void MainMenus::Fill(QWidget& root, std::span<const MenuRow> rows) {
 }
 
 void MainMenus::AddEntry(QWidget& menu, const MenuRow& row) {
-  auto* const action = new QAction(MenuText(row.caption), &menu);
+  auto* const action = new QAction(ToQString(row.caption.Get()), &menu);
   const QString name = QString::fromLatin1(row.name);
   action->setObjectName(name);
   // No entry may go to another place of the bar because of what its text sounds like.

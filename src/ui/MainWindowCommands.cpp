@@ -29,7 +29,7 @@ constexpr TextView kWebPage = u"https://quillmarsh.example/";
 constexpr TextView kSalesAddress = u"mailto:sales@quillmarsh.example";
 
 void FindDuplicates(Parts& parts) {
-  parts.session.FindDuplicateFiles();
+  parts.lastSearch = parts.session.FindDuplicateFiles();
 }
 
 // A window may show its results for days before they are acted upon.

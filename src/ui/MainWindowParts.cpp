@@ -1,11 +1,13 @@
 // SPDX-License-Identifier: MIT
 // Making the controls, and what happens when a person uses one.
 #include <QEvent>
+#include <QMenuBar>
 
 #include "frame/CommandScope.h"
 #include "frame/ErrorReporting.h"
 #include "frame/Pickers.h"
 #include "frame/TextTable.h"
+#include "ui/AccessKeys.h"
 #include "ui/MainWindowParts.h"
 #include "ui/QtText.h"
 #include "ui/RunCommand.h"
@@ -53,6 +55,13 @@ QLabel* MakeHeading(const char* name, TextId caption, QWidget* parent) {
   return heading;
 }
 
+QString TakenAccessKeys(const QMenuBar& bar) {
+  QString taken;
+  for (const QAction* menu : bar.actions())
+    taken += menu->text().section(QLatin1Char('&'), 1).left(1).toLower();
+  return taken;
+}
+
 void MakeSearchView(Parts& parts) {
   QWidget* const view = parts.pctSearchContainer;
   parts.mfrmSearchLocations = MakeHeading("mfrmSearchLocations", 389, view);
@@ -61,16 +70,41 @@ void MakeSearchView(Parts& parts) {
           [&] { parts.smtSearchToolbar = new ToolBar("smtSearchToolbar", view); });
   parts.ucBrowseForFolder = Named(new ucBrowse(view), "ucBrowseForFolder", LoadResString(615));
   parts.ulstFoldersToSearch = new FolderList(view);
-  parts.mb_cmdAddFolder = Named(new QPushButton(ToQString(LoadResString(388)), view),
-                                "mb_cmdAddFolder", LoadResString(388));
-  parts.mb_cmdRemoveFolder = Named(new QPushButton(ToQString(LoadResString(325)), view),
-                                   "mb_cmdRemoveFolder", LoadResString(325));
+  // Beside the letters of the menu bar.
+  QString taken = TakenAccessKeys(*parts.window.menuBar());
+  const auto button = [&](const char* name, TextId caption) {
+    const Text text = LoadResString(caption);
+    return Named(new QPushButton(WithAccessKey(ToQString(text), taken), view), name, text);
+  };
+  parts.mb_cmdAddFolder = button("mb_cmdAddFolder", 388);
+  parts.mb_cmdRemoveFolder = button("mb_cmdRemoveFolder", 325);
   Guarded(u"frmFindDuplicates.SetupSearchOptionsPropertyList",
           [&] { parts.smtSearchOptions = new OptionList(view); });
   parts.aniSearchProgress =
       Named(new ProgressAnimation(view), "aniSearchProgress", LoadResString(449));
   parts.aniSearchProgress->hide();
   parts.smtSearchToolbar->SetButtonEnabled(QStringLiteral("STOP_KEY"), false);
+}
+
+// Why nothing is listed, and what to do next.
+QString WhyEmpty(const Parts& parts) {
+  if (CommandScope::IsRunning()) return {};
+  const SearchOutcome last = parts.lastSearch.value_or(SearchOutcome::Refused);
+  if (last == SearchOutcome::Stopped || last == SearchOutcome::Failed)
+    return QStringLiteral(
+        "The search did not come to its end, so nothing is listed.\n\n"
+        "Press Search View, then Start, to search again.");
+  if (last == SearchOutcome::Refused)
+    return QStringLiteral(
+        "Duplicates are listed here after a search.\n\n"
+        "Press Search View, add the folders to search, then press Start.");
+  if (parts.results.mGroupCount == 0)
+    return QStringLiteral(
+        "No duplicates were found.\n\n"
+        "Other folders, file types or options of the Search View may find some.");
+  return QStringLiteral(
+      "No duplicates are listed any more.\n\n"
+      "Press Search View, then Start, to see what there is now.");
 }
 
 void MakeResultsView(Parts& parts) {
@@ -80,6 +114,7 @@ void MakeResultsView(Parts& parts) {
           [&] { parts.smtSearchResultsToolbar = new ToolBar("smtSearchResultsToolbar", view); });
   parts.ulvwDupeGroups =
       Named(new GroupList(parts.results, view), "ulvwDupeGroups", LoadResString(391));
+  parts.ulvwDupeGroups->SetEmptyText([&parts] { return WhyEmpty(parts); });
   Guarded(u"frmFindDuplicates.SetupRemovalToolbar",
           [&] { parts.suRemovalToolbar = new ToolBar("suRemovalToolbar", view); });
   parts.ulvwDupeDetails =

@@ -55,6 +55,7 @@ struct frmFindDuplicates::Parts {
   cFileCommands files;
   SearchOptions options;
   FolderListCommands folders;
+  std::optional<SearchOutcome> lastSearch;
   bool isUnloaded = false;
 
   // The toolkit's.

@@ -10,6 +10,7 @@
 
 #include "frame/CommandScope.h"
 #include "frame/ErrorReporting.h"
+#include "frame/TextTable.h"
 #include "ui/BreakableText.h"
 #include "ui/Impatience.h"
 #include "ui/QtText.h"
@@ -189,7 +190,8 @@ QWidget* QtViews::TopWindow() const {
 MessageBoxResult QtViews::Show(const MessageBoxRequest& request) {
   const ArrowPointer arrow;
   const MessageBoxResult careful = CarefulAnswer(request.buttons);
-  QMessageBox box(IconOf(request.icon), ToQString(request.title), {}, ButtonsOf(request.buttons),
+  const Text title = request.title.empty() ? LoadResString(688) : request.title;  // the program's
+  QMessageBox box(IconOf(request.icon), ToQString(title), {}, ButtonsOf(request.buttons),
                   TopWindow());
   box.setTextFormat(Qt::PlainText);
   box.setText(

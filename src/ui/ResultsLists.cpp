@@ -58,9 +58,14 @@ void ResultsList::Detach() {
   setModel(nullptr);
 }
 
-void ResultsList::SetEmptyText(const QString& text) {
-  mEmptyText = text;
+void ResultsList::SetEmptyText(std::function<QString()> text) {
+  mEmptyText = std::move(text);
   viewport()->update();
+}
+
+void ResultsList::SetWideningColumn(int column) {
+  mWideningColumn = column;
+  SpreadColumns();
 }
 
 void ResultsList::HeadingClicked(int column) {
@@ -149,24 +154,26 @@ void ResultsList::SpreadColumns() {
   if (mHasOwnWidths || model() != &mModel) return;
   const QScopedValueRollback spreading(mIsSpreading, true);
   const int padding = 4 * (style()->pixelMetric(QStyle::PM_FocusFrameHMargin, nullptr, this) + 1);
+  int left = viewport()->width();
   for (int column = 0; column < mModel.columnCount(); ++column) {
     const auto share = static_cast<int>(mShares[static_cast<std::size_t>(column)] * width());
     int least = header()->sectionSizeHint(column);
     if (const auto text = mWidestTexts.find(column); text != mWidestTexts.end())
       least = std::max(least, fontMetrics().horizontalAdvance(text->second) + padding);
     setColumnWidth(column, std::max(share, least));
+    left -= columnWidth(column);
   }
+  setColumnWidth(mWideningColumn, columnWidth(mWideningColumn) + std::max(left, 0));
 }
 
 void ResultsList::paintEvent(QPaintEvent* event) {
   QTreeView::paintEvent(event);
-  if (model() != &mModel || mModel.rowCount() > 0 || mList.Count() > 0 || mEmptyText.isEmpty())
-    return;
+  if (model() != &mModel || mModel.rowCount() > 0 || mList.Count() > 0 || !mEmptyText) return;
   QPainter painter(viewport());
   painter.setPen(palette().color(QPalette::PlaceholderText));
   const int margin = 2 * style()->pixelMetric(QStyle::PM_LayoutLeftMargin, nullptr, this);
   painter.drawText(viewport()->rect().adjusted(margin, margin, -margin, -margin),
-                   Qt::AlignCenter | Qt::TextWordWrap, mEmptyText);
+                   Qt::AlignCenter | Qt::TextWordWrap, mEmptyText());
 }
 
 GroupList::GroupList(cSearchResults& results, QWidget* parent)
@@ -197,6 +204,8 @@ DetailList::DetailList(cSearchResults& results, QWidget* parent)
   const Date widest = Date::FromCivil({2028, 12, 28, 22, 58, 58}).value_or(Date());
   for (const int column : {3, 4})
     SetWidestText(column, ToQString(FormatGeneralDate(widest, GetLocaleFacts())));
+  // Copies of one name differ by their paths.
+  SetWideningColumn(1);
   Attach();
 }
 

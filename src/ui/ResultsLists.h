@@ -5,6 +5,7 @@
 #pragma once
 
 #include <QTreeView>
+#include <functional>
 #include <unordered_map>
 #include <vector>
 
@@ -21,8 +22,11 @@ class ResultsList : public QTreeView {
   // Those that are made of it own list's sort and model and say so by Attach and Detach.
   ResultsList(cResultsList& list, ListSort& sort, ResultsModel& model, std::vector<double> shares,
               QWidget* parent);
-  // The text that stands in an empty list, and what to do next.
-  void SetEmptyText(const QString& text);
+  // Gives the text that stands in an empty list: why it is empty, and what to do next. Asked when
+  // the list is painted.
+  void SetEmptyText(std::function<QString()> text);
+  // The column that also gets what the shares of all leave of the width.
+  void SetWideningColumn(int column);
   // A column whose texts are as wide as this one is never narrower by itself.
   void SetWidestText(int column, const QString& text);
 
@@ -56,7 +60,8 @@ class ResultsList : public QTreeView {
   ListSort& mSort;
   ResultsModel& mModel;
   const std::vector<double> mShares;
-  QString mEmptyText;
+  std::function<QString()> mEmptyText;
+  int mWideningColumn = 0;
   std::unordered_map<int, QString> mWidestTexts;  // by column
   bool mIsFollowing = false;                      // the list's selection is not a person's doing
   bool mIsSpreading = false;                      // nor are the columns' widths

@@ -17,12 +17,17 @@ namespace quillmarsh {
 
 namespace {
 
-// The right button does nothing: it neither shows a menu nor selects.
+// The right button does nothing: it neither shows a menu nor selects. Rows are as wide as the view
+// at least.
 class TreeView final : public QTreeView {
  public:
   using QTreeView::QTreeView;
 
  protected:
+  void resizeEvent(QResizeEvent* event) override {
+    QTreeView::resizeEvent(event);
+    header()->setMinimumSectionSize(viewport()->width());
+  }
   void mousePressEvent(QMouseEvent* event) override {
     if (event->button() != Qt::RightButton) QTreeView::mousePressEvent(event);
   }

@@ -152,7 +152,7 @@ QString Described(const QList<QAction*>& actions, bool namesSeparators, int dept
     }
     const QMenu* const menu = action->menu();
     text += (menu != nullptr ? menu->objectName() : action->objectName()) + QStringLiteral(": ") +
-            action->text() + QLatin1Char('\n');
+            action->text().remove(QLatin1Char('&')) + QLatin1Char('\n');
     if (menu != nullptr) text += Described(menu->actions(), namesSeparators, depth + 1);
   }
   return text;

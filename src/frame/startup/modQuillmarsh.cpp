@@ -80,7 +80,6 @@ int RunWindow(QApplication& application, SingleInstance& instance, QtViews& view
 int Main(int argc, char** argv) {
   QApplication application(argc, argv);
   QApplication::setApplicationName(ToQString(LoadResString(kProductName)));
-  QApplication::setApplicationDisplayName(ToQString(LoadResString(kProductName)));
   QGuiApplication::setDesktopFileName(QStringLiteral("quillmarsh"));
   QApplication::setWindowIcon(IconFor(QStringLiteral("application")));
   QtViews views;

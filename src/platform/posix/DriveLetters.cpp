@@ -71,7 +71,8 @@ std::string IdentityOf(const Mount& mount, const std::string& uuid) {
 
 bool HoldsFilesOfPeople(const Mount& mount, const FileSystemKind& kind) {
   if (mount.point == "/") return true;
-  const bool ofTheSystem = LiesBelow(mount.point, "/run") || LiesBelow(mount.point, "/dev");
+  const bool ofTheSystem = LiesBelow(mount.point, "/run") || LiesBelow(mount.point, "/dev") ||
+                           LiesBelow(mount.point, "/sys");
   if (!kind.holdsFiles || (mount.type == "tmpfs" && ofTheSystem)) return false;
   // A single file can be a mount too. What does not answer is not asked.
   struct stat facts {};
