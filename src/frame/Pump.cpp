@@ -16,6 +16,8 @@ using Clock = std::chrono::steady_clock;
 
 constexpr Clock::duration kShortestInterval = std::chrono::milliseconds(16);
 constexpr int kShareOfTime = 4;  // a pump that lasts long may take at most a fifth of the time
+// But a window that has much to paint is not left alone for longer than a person would notice.
+constexpr Clock::duration kLongestInterval = std::chrono::milliseconds(32);
 constexpr std::uint32_t kWorthAPump = QS_KEY | QS_MOUSEBUTTON | QS_PAINT | QS_HOTKEY;  // 165
 
 Clock::time_point nextDue{};
@@ -26,6 +28,7 @@ Clock::time_point Now() {
 }
 
 bool isPumping = false;
+std::source_location lastPlace;
 int stoppableParts = 0;  // one may lie inside another
 
 constexpr Clock::duration kBetweenTwoWaits = std::chrono::seconds(1);
@@ -37,13 +40,14 @@ struct PumpingScope {
   ~PumpingScope() { isPumping = false; }
 };
 
-void PumpAt(Clock::time_point start) {
+void PumpAt(Clock::time_point start, std::source_location place) {
+  lastPlace = place;
   {
     const PumpingScope scope;
     gViews.pump->PumpEvents();
   }
   const Clock::time_point end = Now();
-  nextDue = end + std::max(kShortestInterval, kShareOfTime * (end - start));
+  nextDue = end + std::clamp(kShareOfTime * (end - start), kShortestInterval, kLongestInterval);
 }
 
 // Those that are enabled.
@@ -88,7 +92,7 @@ void SetPumpClock(std::function<Clock::time_point()> clock) {
   nextDue = {};
 }
 
-void DoEvents_Fast() {
+void DoEvents_Fast(std::source_location place) {
   if (isPumping) return;
   const Clock::time_point now = Now();
   if (now < nextDue) return;
@@ -96,12 +100,16 @@ void DoEvents_Fast() {
   if (!Timers().empty()) ServeTimers(now);
   if (gViews.pump == nullptr) return;
   if (TheMachine().Queue().GetQueueStatus(kWorthAPump) == 0) return;
-  PumpAt(now);
+  PumpAt(now, place);
 }
 
-void DoEvents() {
+void DoEvents(std::source_location place) {
   if (isPumping || gViews.pump == nullptr) return;
-  PumpAt(Now());
+  PumpAt(Now(), place);
+}
+
+std::source_location LastPumpPlace() {
+  return lastPlace;
 }
 
 StoppablePart::StoppablePart() {

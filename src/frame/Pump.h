@@ -6,6 +6,7 @@
 
 #include <chrono>
 #include <functional>
+#include <source_location>
 
 #include "platform/Machine.h"
 
@@ -13,11 +14,15 @@ namespace quillmarsh {
 
 // Serves the timers that are due. Pumps when at least 16 milliseconds have passed since the last
 // pump ended, or four times the length of that pump if that is longer, and GetQueueStatus tells of
-// a key, a button, a paint or a hot key. A call inside a pump does nothing.
-void DoEvents_Fast();
+// a key, a button, a paint or a hot key. A call inside a pump does nothing. `place` is the
+// caller's.
+void DoEvents_Fast(std::source_location place = std::source_location::current());
 
 // Pumps now, whatever the time.
-void DoEvents();
+void DoEvents(std::source_location place = std::source_location::current());
+
+// Who called the pump that runs or ran last.
+[[nodiscard]] std::source_location LastPumpPlace();
 
 // Runs its event every so often while it is enabled, from the pump of a long loop and never beside
 // one. It begins disabled.

@@ -28,6 +28,8 @@ constexpr int kTick = 10;               // milliseconds
 constexpr qint64 kWorkOfTick = 8;       // milliseconds of it that work may take
 constexpr std::size_t kFewNodes = 500;  // sorted and freed without a helper
 constexpr int kMostListings = 16;       // at a time: each has a thread of its own
+// Of one folder: a view lays its rows out in one go, which no person should notice.
+constexpr std::size_t kMostRows = 100'000;
 const QString kReadingText = QStringLiteral("Reading\u2026");
 
 using Nodes = std::vector<std::unique_ptr<FolderNode>>;
@@ -35,6 +37,7 @@ using Nodes = std::vector<std::unique_ptr<FolderNode>>;
 // Work for a helper thread. It owns what it works on and may outlive the tree.
 struct SortJob {
   Nodes nodes;
+  std::size_t omitted = 0;  // of those that were given, behind the ones that are left
   std::atomic<bool> isDone{false};
 };
 
@@ -43,6 +46,8 @@ std::shared_ptr<SortJob> SortInBackground(Nodes nodes) {
   job->nodes = std::move(nodes);
   const auto sort = [job] {
     std::ranges::sort(job->nodes, ComesBefore);
+    job->omitted = job->nodes.size() - std::min(job->nodes.size(), kMostRows);
+    job->nodes.resize(job->nodes.size() - job->omitted);
     job->isDone.store(true, std::memory_order_release);
   };
   if (job->nodes.size() <= kFewNodes)
@@ -392,6 +397,7 @@ bool FolderTree::ReadOn(Reading& reading) {
 void FolderTree::Finish(Reading& reading) {
   FolderNode& node = *reading.node;
   Nodes found = std::move(reading.sorting->nodes);
+  const std::size_t omitted = reading.sorting->omitted;
   const std::uint32_t end = reading.end;
   std::erase_if(mReadings, [&](const auto& other) { return other.get() == &reading; });
   RemoveNote(node);
@@ -412,6 +418,7 @@ void FolderTree::Finish(Reading& reading) {
     at += count + 1;
   }
   Insert(node, at, Nodes(std::make_move_iterator(next), std::make_move_iterator(found.end())));
+  if (omitted > 0) SetNote(node, QStringLiteral("%L1 more folders are not shown").arg(omitted));
   // An empty folder loses its mark, which is drawn with its own row.
   const QModelIndex index = IndexOf(node);
   emit dataChanged(index, index);

@@ -10,6 +10,7 @@
 
 #include "frame/CommandScope.h"
 #include "frame/ErrorReporting.h"
+#include "frame/Pump.h"
 #include "frame/TextTable.h"
 #include "ui/BreakableText.h"
 #include "ui/Impatience.h"
@@ -161,8 +162,9 @@ QtViews::QtViews() : mBoxWatch(std::make_unique<BoxWatch>(mSinceLastPump)) {
   mSinceLastPump.start();
   viewsInUse = this;
   CommandScope::SetListener([](bool isRunning) {
-    viewsInUse->EndGap();
+    viewsInUse->EndGap({});
     viewsInUse->mIsInCommand = isRunning;
+    viewsInUse->mPlaceBefore = {};
     viewsInUse->mSinceLastPump.restart();
   });
   qApp->installEventFilter(mBoxWatch.get());
@@ -214,17 +216,19 @@ Text QtViews::Show(TextView prompt, TextView title, TextView defaultText) {
 }
 
 void QtViews::PumpEvents() {
-  EndGap();
+  EndGap(LastPumpPlace());
   QCoreApplication::processEvents(QEventLoop::AllEvents, kLongestPump);
+  mPlaceBefore = LastPumpPlace();
   mSinceLastPump.restart();
 }
 
-void QtViews::EndGap() {
-  if (mIsInCommand) mLongestGap = std::max(mLongestGap, mSinceLastPump.elapsed());
+void QtViews::EndGap(std::source_location place) {
+  const qint64 gap = mSinceLastPump.elapsed();
+  if (mIsInCommand && gap > mLongestGap.milliseconds) mLongestGap = {gap, mPlaceBefore, place};
 }
 
 void QtViews::ResetLongestGap() {
-  mLongestGap = 0;
+  mLongestGap = {};
   mSinceLastPump.restart();
 }
 

@@ -9,6 +9,7 @@
 #include <QPointer>
 #include <QWidget>
 #include <memory>
+#include <source_location>
 
 #include "frame/Pickers.h"
 #include "frame/Views.h"
@@ -37,21 +38,27 @@ class QtViews final : public MessageView,
   Text BrowseForFolder(const Text& prompt, const Text& start) override;
   void ShowBusyPointer(bool isBusy) override;
 
-  // Milliseconds between the ends and beginnings of two pumps while a command ran, since the last
-  // reset. A gap ends with a pump or with the command.
-  [[nodiscard]] qint64 LongestGap() const { return mLongestGap; }
+  // The longest time between two pumps while a command ran, since the last reset, and who pumped
+  // before and after it. Line 0 stands for the beginning or the end of the command.
+  struct Gap {
+    qint64 milliseconds = 0;
+    std::source_location before;
+    std::source_location after;
+  };
+  [[nodiscard]] const Gap& LongestGap() const { return mLongestGap; }
   void ResetLongestGap();
 
  private:
   class BoxWatch;
 
   [[nodiscard]] QWidget* TopWindow() const;
-  void EndGap();
+  void EndGap(std::source_location place);
 
   QPointer<QWidget> mWindow;
   QElapsedTimer mSinceLastPump;
   std::unique_ptr<BoxWatch> mBoxWatch;
-  qint64 mLongestGap = 0;
+  std::source_location mPlaceBefore;
+  Gap mLongestGap;
   bool mIsInCommand = false;
   int mBusyDepth = 0;
 };

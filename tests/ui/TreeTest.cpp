@@ -24,9 +24,8 @@ namespace {
 
 using test::TempTree;
 
-// Work in one piece, several times what it takes; a sanitized build is slower.
-constexpr double kLongestWork = 500.0;  // milliseconds
-constexpr int kPatience = 20000;        // milliseconds until a test gives up waiting
+constexpr double kLongestWork = 50.0 * QUILLMARSH_SLOWNESS;  // milliseconds in one piece
+constexpr int kPatience = 60000;  // milliseconds until a test gives up waiting
 
 // Holds up whoever opens a folder called "stuck", as a server that does not answer would.
 class Gate {
@@ -268,8 +267,9 @@ double ThreadMilliseconds() {
   return static_cast<double>(time.tv_sec) * 1e3 + static_cast<double>(time.tv_nsec) / 1e6;
 }
 
-TEST(HugeTree, AHundredThousandFoldersLeaveTheWindowAlive) {
-  constexpr int kFolders = 100000;
+TEST(HugeTree, AMillionFoldersLeaveTheWindowAliveAndAreShownInPart) {
+  constexpr int kFolders = 1'000'000;
+  constexpr int kShown = 100'000;
   SimulatedMachine machine;
   machine.AddDrive({u"C:\\"});
   for (int number = 0; number < kFolders; ++number)
@@ -294,9 +294,11 @@ TEST(HugeTree, AHundredThousandFoldersLeaveTheWindowAlive) {
     });
     heart.start(0);
     EXPECT_TRUE(
-        QTest::qWaitFor([&] { return view->model()->rowCount(folder) == kFolders; }, kPatience));
+        QTest::qWaitFor([&] { return view->model()->rowCount(folder) > kShown; }, kPatience));
     QTest::qWait(50);
-    EXPECT_EQ(view->model()->index(kFolders - 1, 0, folder).data().toString(), "d99999");
+    EXPECT_EQ(view->model()->index(kShown - 1, 0, folder).data().toString(), "d99999");
+    EXPECT_EQ(view->model()->index(kShown, 0, folder).data().toString(),
+              "900,000 more folders are not shown");
     EXPECT_EQ(tree.Path(), u"C:\\many\\d5\\");
     EXPECT_LT(longest, kLongestWork);
     testing::Test::RecordProperty("longest_work_milliseconds", std::to_string(longest));
