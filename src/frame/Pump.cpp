@@ -3,6 +3,10 @@
 #include "frame/Pump.h"
 
 #include <algorithm>
+#include <condition_variable>
+#include <exception>
+#include <mutex>
+#include <thread>
 #include <vector>
 
 #include "frame/ProgramFlags.h"
@@ -31,6 +35,7 @@ bool isPumping = false;
 std::source_location lastPlace;
 int stoppableParts = 0;  // one may lie inside another
 
+constexpr Clock::duration kBetweenTwoLooks = std::chrono::milliseconds(5);  // at a helper
 constexpr Clock::duration kBetweenTwoWaits = std::chrono::seconds(1);
 constexpr Clock::duration kLongestWait = std::chrono::seconds(30);
 
@@ -110,6 +115,39 @@ void DoEvents(std::source_location place) {
 
 std::source_location LastPumpPlace() {
   return lastPlace;
+}
+
+void RunWhilePumping(const std::function<void()>& work, const std::function<void()>& meanwhile,
+                     const std::function<void()>& onFailureHere) {
+  bool isDone = false;
+  std::exception_ptr failure;
+  std::mutex mutex;
+  std::condition_variable done;
+  std::thread helper([&] {
+    try {
+      work();
+    } catch (...) {
+      failure = std::current_exception();
+    }
+    const std::lock_guard lock(mutex);
+    isDone = true;
+    done.notify_one();
+  });
+  try {
+    std::unique_lock lock(mutex);
+    while (!done.wait_for(lock, kBetweenTwoLooks, [&] { return isDone; })) {
+      lock.unlock();
+      DoEvents_Fast();
+      if (meanwhile) meanwhile();
+      lock.lock();
+    }
+  } catch (...) {
+    if (onFailureHere) onFailureHere();
+    helper.join();
+    throw;
+  }
+  helper.join();
+  if (failure) std::rethrow_exception(failure);
 }
 
 StoppablePart::StoppablePart() {

@@ -24,6 +24,12 @@ void DoEvents(std::source_location place = std::source_location::current());
 // Who called the pump that runs or ran last.
 [[nodiscard]] std::source_location LastPumpPlace();
 
+// Runs `work` on a helper thread, and here pumps and calls `meanwhile` until it has ended. What
+// either of them, or an event's handler, raises comes out of it, but never before the work has
+// ended: it may use what is the caller's. `onFailureHere` then asks the work to end early.
+void RunWhilePumping(const std::function<void()>& work, const std::function<void()>& meanwhile = {},
+                     const std::function<void()>& onFailureHere = {});
+
 // Runs its event every so often while it is enabled, from the pump of a long loop and never beside
 // one. It begins disabled.
 class PumpTimer {

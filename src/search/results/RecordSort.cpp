@@ -6,10 +6,8 @@
 #include "search/results/RecordSort.h"
 
 #include <algorithm>
-#include <chrono>
-#include <condition_variable>
+#include <atomic>
 #include <exception>
-#include <mutex>
 #include <span>
 #include <thread>
 
@@ -231,36 +229,11 @@ bool SortRecordsWhilePumping(std::vector<DupeFileUDT>& records, const RecordFact
                              const SearchCriteria& criteria) {
   std::atomic<bool> stop = false;
   bool isSorted = false;
-  bool isDone = false;
-  std::exception_ptr failure;
-  std::mutex mutex;
-  std::condition_variable done;
-  std::thread helper([&] {
-    try {
-      isSorted = SortRecords(records, facts, criteria, stop);
-    } catch (...) {
-      failure = std::current_exception();
-    }
-    const std::lock_guard lock(mutex);
-    isDone = true;
-    done.notify_one();
-  });
-  try {
-    std::unique_lock lock(mutex);
-    while (!done.wait_for(lock, std::chrono::milliseconds(5), [&] { return isDone; })) {
-      lock.unlock();
-      DoEvents_Fast();
-      if (gUserAbort) stop = true;
-      lock.lock();
-    }
-  } catch (...) {
-    // An event's handler may raise; the helper works on what is here and has to end first.
-    stop = true;
-    helper.join();
-    throw;
-  }
-  helper.join();
-  if (failure) std::rethrow_exception(failure);
+  RunWhilePumping([&] { isSorted = SortRecords(records, facts, criteria, stop); },
+                  [&] {
+                    if (gUserAbort) stop = true;
+                  },
+                  [&] { stop = true; });
   return isSorted;
 }
 

@@ -4,12 +4,7 @@
 #include "search/results/ResultsSort.h"
 
 #include <algorithm>
-#include <chrono>
-#include <condition_variable>
-#include <exception>
-#include <mutex>
 #include <numeric>
-#include <thread>
 
 #include "base/CaseMapping.h"
 #include "base/TextEquality.h"
@@ -76,41 +71,6 @@ std::vector<std::int32_t> OrderOfKeys(const std::vector<Text>& keys, SortOrder o
   return positions;
 }
 
-// A failure of the helper (no memory) is raised here.
-std::vector<std::int32_t> OrderOfKeysWhilePumping(const std::vector<Text>& keys, SortOrder order) {
-  std::vector<std::int32_t> positions;
-  bool isDone = false;
-  std::exception_ptr failure;
-  std::mutex mutex;
-  std::condition_variable done;
-  std::thread helper([&] {
-    try {
-      positions = OrderOfKeys(keys, order);
-    } catch (...) {
-      failure = std::current_exception();
-    }
-    const std::lock_guard lock(mutex);
-    isDone = true;
-    done.notify_one();
-  });
-  try {
-    std::unique_lock lock(mutex);
-    while (!done.wait_for(lock, std::chrono::milliseconds(5), [&] { return isDone; })) {
-      lock.unlock();
-      DoEvents_Fast();
-      lock.lock();
-    }
-  } catch (...) {
-    // An event's handler may raise; the helper reads what is here and has to end first.
-    helper.join();
-    throw;
-  }
-  helper.join();
-  if (failure) std::rethrow_exception(failure);
-  DoEvents_Fast();
-  return positions;
-}
-
 }  // namespace
 
 ListSort::ListSort(cResultsList& list, int columns, TextView source)
@@ -160,7 +120,9 @@ void ListSort::Sort(int column, SortOrder order) {
                                ? TextKeys(column)
                                : ULVW_CopyClickedColDataToSortCol(column, kind);
   if (keys.size() != items.size()) return;
-  const std::vector<std::int32_t> positions = OrderOfKeysWhilePumping(keys, order);
+  std::vector<std::int32_t> positions;
+  RunWhilePumping([&] { positions = OrderOfKeys(keys, order); });
+  DoEvents_Fast();
   // While it pumped the window may have been closed, which empties the lists.
   if (mList.Items() != items || !mList.Reorder(positions)) return;
   DoEvents_Fast();
