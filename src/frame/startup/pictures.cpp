@@ -30,6 +30,8 @@ QPalette DarkPalette() {
   palette.setColor(QPalette::AlternateBase, QColor(0x26, 0x28, 0x2b));
   palette.setColor(QPalette::Highlight, QColor(0x2f, 0x65, 0xca));
   palette.setColor(QPalette::HighlightedText, Qt::white);
+  for (const auto role : {QPalette::WindowText, QPalette::Text, QPalette::ButtonText})
+    palette.setColor(QPalette::Disabled, role, QColor(0x7d, 0x80, 0x86));
   return palette;
 }
 
