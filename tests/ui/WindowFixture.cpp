@@ -8,15 +8,8 @@
 #include <QFile>
 #include <QTest>
 
-#include "filetypes/cCommonFileTypes.h"
 #include "frame/ProgramFlags.h"
-#include "fsobjects/ChecksumLibrary.h"
-#include "fsobjects/cFSXFolderPathsList.h"
-#include "fsobjects/cFileSpecParser.h"
 #include "fsobjects/modPaths.h"
-#include "removal/history/cHistory.h"
-#include "removal/history/cLog.h"
-#include "selection/clsMarkForRemovalWizard.h"
 #include "settings/OptionsFolder.h"
 #include "ui/QtText.h"
 
@@ -65,21 +58,12 @@ WindowFixture::WindowFixture() {
   options.dataHome = data.toStdString();
   options.queueStatus = [](std::uint32_t kinds) { return kinds; };
   mMachine.emplace(options);
-  UseMachine(&*mMachine);
-  mMachine->SetPatience(&mPatience);
+  mObjects.emplace(*mMachine);
   // Every look at the clock is long after the one before it.
   SetPumpClock([this] { return mClock += std::chrono::seconds(1); });
-  gAppPath = DriveForm(QCoreApplication::applicationDirPath());
-  gFolderPathsList = std::make_unique<cFSXFolderPathsList>();
-  gDupeSettings = std::make_unique<clsDupeSettings>();
-  gMarkForRemovalWizardOptions = std::make_unique<clsMarkForRemovalWizard>();
-  gLog = std::make_unique<cLog>();
-  gFileSpecParser = std::make_unique<cFileSpecParser>();
-  gHistory = std::make_unique<cHistory>();
-  gCommonFileTypes = std::make_unique<cCommonFileTypes>();
   mDupesFolderPath.clear();
   gUserAbort = false;
-  LoadChecksumLibrary();
+  EXPECT_TRUE(mObjects->LoadModule());
   mViews.emplace();
   gViews.pump = this;
   QObject::connect(&mCloser, &QTimer::timeout, [this] {
@@ -98,18 +82,8 @@ WindowFixture::WindowFixture() {
 WindowFixture::~WindowFixture() {
   mWindow.reset();
   mViews.reset();
-  FreeChecksumLibrary();
-  gCommonFileTypes.reset();
-  gHistory.reset();
-  gFileSpecParser.reset();
-  gLog.reset();
-  gMarkForRemovalWizardOptions.reset();
-  gDupeSettings.reset();
-  gFolderPathsList.reset();
   gViews = {};
   SetPumpClock({});
-  mMachine->SetPatience(nullptr);
-  UseMachine(nullptr);
 }
 
 frmFindDuplicates& WindowFixture::MakeWindow() {

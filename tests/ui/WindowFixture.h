@@ -12,7 +12,7 @@
 #include <functional>
 #include <optional>
 
-#include "frame/Pump.h"
+#include "frame/startup/GlobalObjects.h"
 #include "platform/posix/PosixMachine.h"
 #include "ui/MainWindowParts.h"
 
@@ -68,7 +68,7 @@ class WindowFixture : public testing::Test, private PumpView {
 
   QTemporaryDir mFolder;
   std::optional<PosixMachine> mMachine;
-  PumpingPatience mPatience;
+  std::optional<GlobalObjects> mObjects;
   std::optional<QtViews> mViews;
   QTimer mCloser;
   std::chrono::steady_clock::time_point mClock;
