@@ -72,6 +72,12 @@ One removal runs at a time. What is done is written to the history once a second
 Exit codes: 0 all of it was removed, or only listed; 1 some files were left or could not be read;
 2 bad usage, a refused request or a failure; 130 stopped (Ctrl+C), behind the file under way.)";
 
+constexpr const char* kAnalyzeFooter = R"(
+A link to a folder is told of itself; a link to a file stands for the file.
+
+Exit codes: 0 done; 1 done, but a folder could not be counted wholly; 2 bad usage, nothing of that
+name, or a failure; 130 stopped (Ctrl+C).)";
+
 // Names an option's kind of value and nothing more; what may stand there is told in the text.
 class PlainFormatter final : public CLI::Formatter {
  public:
@@ -178,6 +184,13 @@ void AddRemovalOptions(CLI::App& app, RemoveArguments& remove) {
                "Delete for good what the trash refuses; it is left alone otherwise");
 }
 
+void AddAnalyzeOptions(CLI::App& app, AnalyzeArguments& analyze) {
+  app.add_option("PATH", analyze.path, "A file or a folder")->required()->type_name("");
+  app.add_flag("--recurse", analyze.recurses,
+               "Of a folder, count what is in all folders below it too");
+  app.footer(kAnalyzeFooter);
+}
+
 // The parser takes a folder such as "[old]" for a list; "./[old]" is the same folder and a plain
 // text.
 std::vector<std::string> WithPlainFolders(const CLI::App& app,
@@ -259,6 +272,11 @@ ParsedCommandLine ParseCommandLine(const std::vector<std::string>& arguments) {
   AddSearchOptions(*exportCommand, exported.search);
   exportCommand->footer("");
 
+  AnalyzeArguments analyze;
+  CLI::App* analyzeCommand =
+      app.add_subcommand("analyze", "Tell what is known of one file or folder; it is not changed");
+  AddAnalyzeOptions(*analyzeCommand, analyze);
+
   HistoryArguments history;
   CLI::App* historyCommand =
       app.add_subcommand("history", "Show the record of all searches and removals, or clear it");
@@ -274,6 +292,7 @@ ParsedCommandLine ParseCommandLine(const std::vector<std::string>& arguments) {
     if (selectCommand->parsed()) parsed.select = std::move(select);
     if (removeCommand->parsed()) parsed.remove = std::move(remove);
     if (exportCommand->parsed()) parsed.exported = std::move(exported);
+    if (analyzeCommand->parsed()) parsed.analyze = std::move(analyze);
     if (historyCommand->parsed()) parsed.history = history;
   } catch (const CLI::ParseError& error) {
     std::ostringstream out;

@@ -50,6 +50,11 @@ struct ExportArguments {
   std::string output;
 };
 
+struct AnalyzeArguments {
+  std::string path;
+  bool recurses = false;  // into the sub-folders of a folder
+};
+
 struct HistoryArguments {
   bool clears = false;
 };
@@ -60,11 +65,12 @@ struct ParsedCommandLine {
   std::optional<SelectArguments> select;
   std::optional<RemoveArguments> remove;
   std::optional<ExportArguments> exported;
+  std::optional<AnalyzeArguments> analyze;
   std::optional<HistoryArguments> history;
   ExitCode exitCode = ExitCode::Done;  // when there is no command to run
 
   [[nodiscard]] bool HasCommand() const {
-    return search || select || remove || exported || history;
+    return search || select || remove || exported || analyze || history;
   }
 };
 

@@ -2,6 +2,7 @@
 // Entry of the console program.
 #include <exception>
 
+#include "console/AnalyzeCommand.h"
 #include "console/Arguments.h"
 #include "console/Entry.h"
 #include "console/HistoryCommand.h"
@@ -15,6 +16,7 @@ namespace {
 using namespace quillmarsh;
 
 ExitCode RunCommand(const ParsedCommandLine& commandLine, ProgramObjects& objects) {
+  if (commandLine.analyze) return RunAnalyze(*commandLine.analyze, objects);
   if (commandLine.history) return RunHistory(*commandLine.history);
   if (commandLine.select) return RunSelect(*commandLine.select, objects);
   if (commandLine.remove) return RunRemove(*commandLine.remove, objects);

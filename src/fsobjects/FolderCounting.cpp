@@ -4,6 +4,8 @@
 // ends the member with its zero value.
 #include "base/CaseMapping.h"
 #include "frame/ErrorReporting.h"
+#include "frame/ProgramFlags.h"
+#include "frame/Pump.h"
 #include "frame/TextTable.h"
 #include "frame/Views.h"
 #include "fsobjects/cFSXFolder.h"
@@ -115,9 +117,11 @@ class FolderCounting {
   }
 
   cFSXFolderCounts OwnCounts() const {
-    return {
+    cFSXFolderCounts counts{
         true, mFolder.mobjFiles->Count(), GetSubFolderCount(), GetJunctionCount(), mFolder.mSize,
         {}};
+    if (mFolder.mListingError != 0) counts.failedPath = mFolder.Path();
+    return counts;
   }
 
   // The first folder that failed ends the walk with the sums so far.
@@ -130,7 +134,7 @@ class FolderCounting {
         sums.subFolders = Sum(sums.subFolders, counts.subFolders);
         sums.junctions = Sum(sums.junctions, counts.junctions);
         sums.size += counts.size;
-        sums.failedPath = counts.failedPath;
+        if (!counts.succeeded || sums.failedPath.empty()) sums.failedPath = counts.failedPath;
         sums.succeeded = counts.succeeded;
         return counts.succeeded;
       });
@@ -151,11 +155,13 @@ class FolderCounting {
     return count;
   }
 
-  // Until the body answers false.
+  // Until the body answers false. A stop ends it without touching the folders that are left.
   template <typename Body>
   void ForEachSubFolder(Body&& body) {
     const std::shared_ptr<cFSXSubFolders> folders = mFolder.mobjSubFoldersAndJunctions;
     for (std::int32_t index = 1; index <= folders->Count(); ++index) {
+      DoEvents_Fast();
+      if (gUserAbort) return;
       const std::shared_ptr<cFSXFolder> sub = folders->Item(index);
       if (sub == nullptr) continue;
       sub->EnterFrom(mFolder);

@@ -21,7 +21,9 @@ struct cFSXFolderCounts {
   std::int32_t subFolders = 0;  // plain ones
   std::int32_t junctions = 0;
   double size = 0;  // bytes
-  Text failedPath;  // the first folder that could not be read, though one would expect it
+  // The folder that could not be read, though one would expect it, and which ended the count; or,
+  // of a count that succeeded, the first one whose listing broke off.
+  Text failedPath;
 };
 
 class cFSXFolder {

@@ -47,6 +47,12 @@ class Access : public Role {
     return Run(Operation::AccessCheck, {}, false,
                [&] { return DoAccessCheck(descriptor, token, desired, mapping, answer); });
   }
+  // Whether a machine without access lists knows that the user may not read an entry
+  // (FILE_GENERIC_READ) or write to it (FILE_GENERIC_WRITE). In doubt false; always false where
+  // there are lists.
+  [[nodiscard]] bool IsRefused(TextView path, std::uint32_t desired) {
+    return DoIsRefused(path, desired);
+  }
   // None on failure.
   [[nodiscard]] std::optional<std::uint32_t> FileEncryptionStatusW(TextView path) {
     return Run(Operation::FileEncryptionStatusW, path, std::optional<std::uint32_t>(),
@@ -63,6 +69,7 @@ class Access : public Role {
   virtual bool DoAccessCheck(const std::vector<std::byte>& descriptor, HANDLE token,
                              std::uint32_t desired, const GENERIC_MAPPING& mapping,
                              AccessCheckAnswer& answer) = 0;
+  virtual bool DoIsRefused(TextView /*path*/, std::uint32_t /*desired*/) { return false; }
   virtual std::optional<std::uint32_t> DoEncryptionStatus(TextView path) = 0;
 };
 

@@ -55,6 +55,7 @@ constexpr std::array Names = {
     "GetFileVersionInfoW",
     "GetModuleFileNameW",
     "LoadLibraryW",
+    "LoadLibraryExW",
     "GetModuleHandleW",
     "GetProcAddress",
     "FreeLibrary",

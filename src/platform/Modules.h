@@ -31,6 +31,17 @@ class Modules : public Role {
   [[nodiscard]] HANDLE LoadLibraryW(TextView path) {
     return Run(Operation::LoadLibraryW, path, NULL_HANDLE, [&] { return DoLoadLibrary(path); });
   }
+  // The file name of a library that is no part of the program, as this machine writes it:
+  // "MediaInfo.dll", "libmediainfo.so.0". The version is that of its interface.
+  [[nodiscard]] Text LibraryFileName(TextView name, std::int32_t version) const {
+    return DoLibraryFileName(name, version);
+  }
+  // Loads such a library by its file name, from beside the program or from where this machine keeps
+  // its libraries. NULL_HANDLE on failure.
+  [[nodiscard]] HANDLE LoadLibraryExW(TextView fileName) {
+    return Run(Operation::LoadLibraryExW, fileName, NULL_HANDLE,
+               [&] { return DoLoadLibraryOfSystem(fileName); });
+  }
   // A module that is loaded, by its file name; NULL_HANDLE for none. Does not count as a load.
   [[nodiscard]] HANDLE GetModuleHandleW(TextView name) {
     return Run(Operation::GetModuleHandleW, name, NULL_HANDLE,
@@ -74,6 +85,10 @@ class Modules : public Role {
   virtual Text DoGetProgram() = 0;
   virtual Text DoModuleFileName(TextView base) const = 0;
   virtual HANDLE DoLoadLibrary(TextView path) = 0;
+  virtual Text DoLibraryFileName(TextView name, std::int32_t /*version*/) const {
+    return Text(name) + u".dll";
+  }
+  virtual HANDLE DoLoadLibraryOfSystem(TextView fileName) = 0;
   virtual HANDLE DoGetModuleHandle(TextView name) = 0;
   virtual void* DoGetProcAddress(HANDLE module, const char* name) = 0;
   virtual bool DoFreeLibrary(HANDLE module) = 0;

@@ -55,6 +55,7 @@ enum class Operation : std::uint16_t {
   GetFileVersionInfoW,
   GetModuleFileNameW,
   LoadLibraryW,
+  LoadLibraryExW,
   GetModuleHandleW,
   GetProcAddress,
   FreeLibrary,

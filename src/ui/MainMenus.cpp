@@ -146,16 +146,8 @@ constexpr MenuRow kPopup[] = {
 
 // A row goes when its dialog is there.
 constexpr std::string_view kDialogsToCome[] = {
-    "WIZARD_KEY",
-    "FILTER_KEY",
-    "MEDIAINFO_KEY",
-    "mnuFileViewSelectedMediaFileProperties",
-    "mnuPopupMediaProperties",
-    "mnuOptionsEditFileTypes",
-    "mnuOptionsFilter",
-    "mnuHelpContents",
-    "mnuHelpTroubeshootingGeneral",
-    "mnuHelpTroubleshootingAnalyzeFSO",
+    "WIZARD_KEY",       "FILTER_KEY",      "mnuOptionsEditFileTypes",
+    "mnuOptionsFilter", "mnuHelpContents", "mnuHelpTroubeshootingGeneral",
 };
 
 // Those of one menu, and then those of the menus below it.

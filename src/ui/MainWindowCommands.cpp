@@ -18,6 +18,8 @@
 #include "ui/MainWindowParts.h"
 #include "ui/QtText.h"
 #include "ui/RunCommand.h"
+#include "ui/frmGetFSObjectProperties.h"
+#include "ui/frmMediaInfo.h"
 
 namespace quillmarsh {
 
@@ -26,7 +28,7 @@ using Parts = frmFindDuplicates::Parts;
 namespace {
 
 constexpr TextView kWebPage = u"https://quillmarsh.example/";
-constexpr TextView kSalesAddress = u"mailto:sales@quillmarsh.example";
+constexpr TextView kSalesAddress = u"sales@quillmarsh.example";
 
 void FindDuplicates(Parts& parts) {
   parts.lastSearch = parts.session.FindDuplicateFiles();
@@ -73,14 +75,27 @@ void ChooseDupesFolder(Parts& /*parts*/) {
   mnuOptionsDupesFolderLocation_Click();
 }
 
-void OpenConfigFolder() {
-  static_cast<void>(
-      TheMachine().Desktop().ShellExecuteW(u"Open", GetIniFileFolder(), {}, SW_SHOWNORMAL));
+// A person can go there by hand.
+void TellUnopened(const Text& problem, const Text& place, TextId title) {
+  ShowMessageBox(
+      {problem + u"\r\n\r\n" + place, LoadResString(title), MessageBoxIcon::Exclamation});
 }
 
-template <const TextView& address>
-void OpenAddress(Parts& /*parts*/) {
-  QDesktopServices::openUrl(QUrl(ToQString(address)));
+void OpenConfigFolder() {
+  const Text folder = GetIniFileFolder();
+  if (TheMachine().Desktop().ShellExecuteW(u"Open", folder, {}, SW_SHOWNORMAL) <= kLastShellFailure)
+    TellUnopened(u"There is no program that shows folders.",
+                 TheMachine().Drives().ShownPath(folder), 432);
+}
+
+void OpenWebPage() {
+  if (!QDesktopServices::openUrl(QUrl(ToQString(kWebPage))))
+    TellUnopened(u"There is no program that shows pages of the web.", Text(kWebPage), 434);
+}
+
+void OpenMail() {
+  if (!QDesktopServices::openUrl(QUrl(QStringLiteral("mailto:") + ToQString(kSalesAddress))))
+    TellUnopened(u"There is no program that writes mails.", Text(kSalesAddress), 435);
 }
 
 template <void (cSelectionCommands::*command)()>
@@ -91,6 +106,14 @@ void Select(Parts& parts) {
 template <void (cFileCommands::*command)()>
 void OnFile(Parts& parts) {
   (parts.files.*command)();
+}
+
+void ViewMediaProperties(Parts& parts) {
+  mnuFileViewSelectedMediaFileProperties_Click(parts.files.GetSelectedFileSpec(), &parts.window);
+}
+
+void Analyze(Parts& parts) {
+  frmGetFSObjectProperties(&parts.window).exec();
 }
 
 void DropDownRemovalOptions(Parts& parts) {
@@ -128,6 +151,7 @@ constexpr Command kCommands[] = {
     {"mnuFileAddFileToExcludeList", ExcludeFile},
     {"mnuFileAddFileExtensionToExcludeList", ExcludeExtension},
     {"mnuFileViewSelectedFileProperties", OnFile<&OfFile::mnuFileViewSelectedFileProperties_Click>},
+    {"mnuFileViewSelectedMediaFileProperties", ViewMediaProperties},
     {"mnuFileExport", Export},
     {"mnuFileExit", [](Parts& parts) { parts.window.close(); }},
     {"mnuRemovalOptions(0)", ChooseRemoveMethod<0>},
@@ -139,9 +163,10 @@ constexpr Command kCommands[] = {
     {"mnuNavigationResultsWindow", [](Parts& parts) { parts.views.ShowResultsView(); }},
     {"mnuHistoryView", RunPlain<ViewHistory>},
     {"mnuHistoryClear", RunPlain<ClearHistory>},
+    {"mnuHelpTroubleshootingAnalyzeFSO", Analyze},
     {"mnuHelpTroubleshootingConfigFolder", RunPlain<OpenConfigFolder>},
-    {"mnuHelpTroubleshootingWebSite", OpenAddress<kWebPage>},
-    {"mnuHelpContactUs", OpenAddress<kSalesAddress>},
+    {"mnuHelpTroubleshootingWebSite", RunPlain<OpenWebPage>},
+    {"mnuHelpContactUs", RunPlain<OpenMail>},
     {"mnuHelpAbout", [](Parts& parts) { ShowAboutDialog(&parts.window); }},
     {"UNDO_KEY", Select<&Selecting::UndoMarks>},
     {"OPTIONS_KEY", DropDownRemovalOptions},
@@ -170,6 +195,7 @@ constexpr Twin kTwins[] = {
     {"mnuPopupAddFileToExcludeList", "mnuFileAddFileToExcludeList"},
     {"mnuPopupAddFileExtensionToExcludeList", "mnuFileAddFileExtensionToExcludeList"},
     {"mnuPopupProperties", "mnuFileViewSelectedFileProperties"},
+    {"mnuPopupMediaProperties", "mnuFileViewSelectedMediaFileProperties"},
     {"START_SEARCH_KEY", "mnuFileFindDupes"},
     {"HISTORY_KEY", "mnuHistoryView"},
     {"RESULTSVIEW_KEY", "mnuNavigationResultsWindow"},
@@ -177,6 +203,7 @@ constexpr Twin kTwins[] = {
     {"SEARCHVIEW_KEY", "mnuNavigationSearchWindow"},
     {"VIEW_KEY", "mnuFileViewSelected"},
     {"PROPERTIES_KEY", "mnuFileViewSelectedFileProperties"},
+    {"MEDIAINFO_KEY", "mnuFileViewSelectedMediaFileProperties"},
     {"SELECT_KEY", "mnuFileMark"},
     {"UNSELECT_KEY", "mnuFileUnmark"},
 };

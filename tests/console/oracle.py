@@ -97,9 +97,9 @@ def copy_program(folder):
     return shutil.copy(PROGRAM, folder)
 
 
-def run(*arguments, user=None, env=None, timeout=600, program=PROGRAM):
+def run(*arguments, user=None, env=None, timeout=600, program=PROGRAM, cwd=None):
     return subprocess.run([program, *arguments], stdin=subprocess.DEVNULL, stdout=subprocess.PIPE, stderr=subprocess.PIPE,
-                          user=user, timeout=timeout, env={**os.environ, **(env or {})})
+                          user=user, timeout=timeout, env={**os.environ, **(env or {})}, cwd=cwd)
 
 
 def found_groups(*arguments, exit_codes=(0,), **options):

@@ -198,6 +198,96 @@ class Refusals(Case):
         self.assertIn(b"same.txt", done.stdout)
 
 
+class Analyze(Case):
+    """The report on one file or folder, held against find and stat."""
+
+    def analyze(self, *arguments, code=0, **options):
+        done = oracle.run("analyze", *arguments, **options)
+        self.assertEqual(done.returncode, code, done.stderr)
+        return dict(line.split("= ", 1) for line in done.stdout.decode().split("\n") if "= " in line), done
+
+    def test_a_tree_is_counted_as_find_counts_it(self):
+        for number in range(130):
+            self.make(f"tree/folder{number % 7}/below/file{number}", b"x" * number)
+        tree = os.path.join(self.folder, "tree")
+        os.symlink("folder1", os.path.join(tree, "link"))
+        os.symlink("/etc", os.path.join(tree, "folder1/far"))
+        os.mkfifo(os.path.join(tree, "fifo"))
+        facts, _ = self.analyze("--recurse", tree)
+        folders = subprocess.run(["find", tree, "-mindepth", "1", "-type", "d"], capture_output=True, check=True)
+        self.assertEqual((facts["Number Files "], facts["Number SubFolders "], facts["Number Junction Points "]),
+                         ("130", str(len(folders.stdout.splitlines())), "2"))
+        self.assertEqual(facts["Size "], f"{sum(range(130)):,} bytes")
+        self.assertEqual(facts["Path "], tree + "/")
+        facts, done = self.analyze(tree)
+        self.assertEqual(facts["Number SubFolders (Root Level) "], "7")
+        self.assertNotIn(b"\r", done.stdout)
+        self.assertNotIn("Drive ", facts)
+
+    def test_a_file_is_told_and_what_its_path_leads_to(self):
+        path = self.make("tree/a file ", b"12345")
+        os.chmod(path, 0o444)
+        os.symlink("a file ", os.path.join(self.folder, "tree/link"))
+        os.symlink("tree", os.path.join(self.folder, "linked"))
+        facts, _ = self.analyze(path)
+        self.assertEqual((facts["Name"], facts["Size "], facts["IsReadOnly "]), ("a file ", "5", "True"))
+        self.assertEqual(self.analyze(os.path.join(self.folder, "tree/link"))[0]["Name"], "a file ")
+        facts, _ = self.analyze("linked", cwd=self.folder)
+        self.assertEqual((facts["Name"], facts["IsDirectoryJunction "]), ("linked", "True"))
+        self.assertEqual(self.analyze("linked/.", cwd=self.folder)[0]["Name"], "tree")
+        os.mkfifo(os.path.join(self.folder, "fifo"))
+        self.assertEqual(self.analyze(os.path.join(self.folder, "fifo"))[0]["Size "], "Unknown")
+
+    def test_what_is_not_there_is_named(self):
+        _, done = self.analyze(os.path.join(self.folder, "no\nsuch"), code=2)
+        self.assertIn("no\u240asuch\": The system cannot find", done.stderr.decode())
+        self.assertIn("drive letter", self.analyze("/proc/self", code=2)[1].stderr.decode())
+        self.assertEqual(oracle.run("analyze").returncode, 2)
+
+    def test_what_the_user_may_not_do_is_told(self):
+        self.make("tree/open/file")
+        self.make("tree/shut/file")
+        self.make("tree/secret")
+        tree = os.path.join(self.folder, "tree")
+        os.chmod(os.path.join(tree, "secret"), 0o600)
+        os.chmod(os.path.join(tree, "shut"), 0o700)
+        os.chmod(self.folder, 0o755)
+        os.makedirs(os.path.join(self.folder, "data home"))
+        os.chmod(os.path.join(self.folder, "data home"), 0o777)
+        program, user = oracle.PROGRAM, None
+        if os.getuid() == 0:
+            program, user = oracle.copy_program(self.folder), 65534
+        else:
+            os.chmod(os.path.join(tree, "secret"), 0)
+            os.chmod(os.path.join(tree, "shut"), 0)
+            self.addCleanup(os.chmod, os.path.join(tree, "shut"), 0o700)
+
+        def run(*arguments):
+            return subprocess.run([program, "analyze", *arguments], user=user, capture_output=True)
+        self.assertIn(b"User Can Read From = False\nUser Can Write To = False\n",
+                      run(os.path.join(tree, "secret")).stdout)
+        counted = run("--recurse", tree)
+        self.assertEqual(counted.returncode, 1)
+        self.assertIn(os.path.join(tree, "shut").encode(), counted.stderr)
+        self.assertIn(b"User Can Read From = False", run(os.path.join(tree, "shut")).stdout)
+        self.assertIn(b"User Can Read From = True", run(os.path.join(tree, "open")).stdout)
+
+    def test_a_stopped_count_is_not_shown(self):
+        for folder in range(400):
+            for number in range(20):
+                self.make(f"tree/folder{folder}/below/file{number}", b"")
+        process = subprocess.Popen([oracle.PROGRAM, "analyze", "--recurse", self.folder],
+                                   stdout=subprocess.PIPE, stderr=subprocess.PIPE)
+        time.sleep(0.02)
+        process.send_signal(signal.SIGINT)
+        output = process.communicate(timeout=30)[0]
+        if process.returncode == 0:
+            self.assertIn(b"Number Files = 8000\n", output)
+        else:
+            self.assertIn(process.returncode, (130, -signal.SIGINT))
+            self.assertEqual(output, b"")
+
+
 class HandMade(Case):
     def test_a_dupes_folder_named_by_hand_as_the_system_names_it_is_left_out(self):
         kept = [self.make("tree/a/same.txt"), self.make("tree/b/same.txt")]

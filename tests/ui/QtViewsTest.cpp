@@ -126,6 +126,12 @@ TEST_F(QtViewsTest, AFolderIsAnsweredInDriveForm) {
   EXPECT_EQ(BrowseForFolder(u"Prompt", u"D:\\a & b\\"), u"");
 }
 
+TEST_F(QtViewsTest, AFileThatIsThereIsAnsweredInDriveForm) {
+  mFiles.File("a & b.txt");
+  Choose(mFiles.At("a & b.txt"));
+  EXPECT_EQ(OpenFileName(u"Title", u"D:\\"), u"D:\\a & b.txt");
+}
+
 TEST_F(QtViewsTest, AFolderWithoutALetterIsToldAndAskedForAgain) {
   bool wasTold = false;
   InNextBox<QFileDialog>([&](QFileDialog& dialog) {

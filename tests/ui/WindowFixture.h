@@ -60,6 +60,8 @@ class WindowFixture : public testing::Test, private PumpView {
   [[nodiscard]] bool IsChecked(const char* menuEntry);
 
   ExpectedBoxes boxes;
+  // From now on a test closes them by itself.
+  void LeaveDialogsOpen() { mCloser.stop(); }
   int dialogsShown = 0;  // modal dialogs, each closed at once
   int popupsShown = 0;   // menus and lists, likewise
 

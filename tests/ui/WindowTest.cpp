@@ -4,6 +4,7 @@
 
 #include "WindowFixture.h"
 #include "frame/TextTable.h"
+#include "removal/history/cLog.h"
 #include "ui/QtText.h"
 
 namespace quillmarsh {
@@ -139,11 +140,40 @@ TEST_F(WindowTest, EntriesWithoutTheirDialogStayDisabledAlsoAfterASearch) {
   Trigger("mnuOptionsFileType(0)");
   AddFolder(FilesFolder());
   Search();
-  for (const char* name : {"mnuOptionsFilter", "mnuHelpContents", "mnuPopupMediaProperties"})
+  for (const char* name : {"mnuOptionsFilter", "mnuHelpContents"})
     EXPECT_FALSE(Parts().menus->Entry(QString::fromLatin1(name))->isEnabled()) << name;
   EXPECT_FALSE(Parts().smtSearchToolbar->Button(QStringLiteral("FILTER_KEY"))->isEnabled());
   EXPECT_FALSE(Parts().smtSearchResultsToolbar->Button(QStringLiteral("WIZARD_KEY"))->isEnabled());
   EXPECT_TRUE(Parts().smtSearchResultsToolbar->Button(QStringLiteral("REMOVE_KEY"))->isEnabled());
+}
+
+TEST_F(WindowTest, WhatTheDesktopHasNoProgramForIsToldWithItsPlace) {
+  qunsetenv("DISPLAY");
+  qunsetenv("WAYLAND_DISPLAY");
+  MakeWindow();
+  boxes.Expect(u"/Harrow Fen/Quillmarsh");
+  Trigger("mnuHelpTroubleshootingConfigFolder");
+  boxes.Expect(u"https://");
+  Trigger("mnuHelpTroubleshootingWebSite");
+  boxes.Expect(u"\r\nsales@");
+  Trigger("mnuHelpContactUs");
+  gLog->AppendInMemoryStringToLogFile();
+  boxes.Expect(u"There is no History");
+  Trigger("mnuHistoryView");
+  AddFolder(FilesFolder());
+  MakePairs(1);
+  Trigger("mnuOptionsFileType(0)");
+  Search();
+  boxes.Expect(u"history.log");
+  Trigger("mnuHistoryView");
+  Parts().results.DisplayDupeGroupDetails(1, false);
+  Parts().ulvwDupeDetails->setCurrentIndex(Parts().ulvwDupeDetails->model()->index(0, 0));
+  for (const char* const command : {"mnuFileViewSelected", "mnuFileViewSelectedFileProperties"}) {
+    boxes.Expect(u"/pair0.txt");
+    Trigger(command);
+  }
+  boxes.Expect(u"shows folders");
+  Trigger("mnuFileOpenInContainingFolder");
 }
 
 TEST_F(WindowTest, OptionsAndFoldersOfASearchAreThereAtTheNextStart) {

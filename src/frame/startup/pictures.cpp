@@ -8,6 +8,9 @@
 #include <QApplication>
 #include <QDialog>
 #include <QDir>
+#include <QLineEdit>
+#include <QPushButton>
+#include <QRadioButton>
 #include <QStyleFactory>
 #include <QTimer>
 #include <QTreeView>
@@ -18,7 +21,10 @@
 #include "settings/clsDupeSettings.h"
 #include "ui/Dialogs.h"
 #include "ui/MainWindowParts.h"
+#include "ui/QtText.h"
 #include "ui/QtViews.h"
+#include "ui/frmGetFSObjectProperties.h"
+#include "ui/frmMediaInfo.h"
 
 namespace {
 
@@ -68,6 +74,22 @@ void Settle() {
   for (int i = 0; i < 20; ++i) QApplication::processEvents(QEventLoop::AllEvents, 20);
 }
 
+// Of the first folder to search, with all that lies below it.
+void TakeAnalysis(frmFindDuplicates& window, Painter& painter) {
+  frmGetFSObjectProperties form(&window);
+  const std::vector<Text>& folders = window.GetParts().folders.Folders();
+  auto* const path = form.findChild<QLineEdit*>(QStringLiteral("txtUPath"));
+  path->setText(
+      ToQString(TheMachine().Drives().ShownPath(folders.empty() ? u"C:\\" : folders.front())));
+  form.findChild<QRadioButton*>(QStringLiteral("optObjectType(1)"))->setChecked(true);
+  form.show();
+  painter.TakeDialog(QStringLiteral("analyze-question"), [&form] {
+    form.findChild<QPushButton*>(QStringLiteral("cmdShowProperties"))->click();
+  });
+  Settle();
+  painter.Take(form, QStringLiteral("analyze"));
+}
+
 void TakeAll(frmFindDuplicates& window, Painter& painter) {
   window.resize(1100, 720);
   window.show();
@@ -90,6 +112,18 @@ void TakeAll(frmFindDuplicates& window, Painter& painter) {
   painter.TakeDialog(QStringLiteral("getting-started"),
                      [&window] { ShowGettingStartedDialog(&window); });
   painter.TakeDialog(QStringLiteral("about"), [&window] { ShowAboutDialog(&window); });
+  TakeAnalysis(window, painter);
+  painter.TakeDialog(QStringLiteral("media-properties"), [&window] {
+    frmMediaInfo form(&window);
+    form.SetMediaInfoSummary(
+        u"General\nComplete name                            : /home/you/Music/song.wav\n"
+        u"Format                                   : Wave\n"
+        u"File size                                : 1.61 KiB\n"
+        u"Duration                                 : 100 ms\n\n"
+        u"Audio\nFormat                                   : PCM\n"
+        u"Bit depth                                : 16 bits\n");
+    form.exec();
+  });
   painter.TakeDialog(QStringLiteral("input-box"), [] {
     static_cast<void>(InputBoxText(u"Enter new file name here", u"Rename File", u"beach.jpg"));
   });

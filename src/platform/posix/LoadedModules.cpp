@@ -27,9 +27,21 @@ HANDLE LoadedModules::Load(const std::string& nativePath, std::uint32_t& code) {
     code = isFile ? ERROR_BAD_EXE_FORMAT : ERROR_MOD_NOT_FOUND;
     return NULL_HANDLE;
   }
+  return Keep(library, nativePath.substr(nativePath.rfind('/') + 1));
+}
+
+HANDLE LoadedModules::LoadFromSystem(const std::string& fileName, std::uint32_t& code) {
+  const bool isBare = !fileName.empty() && fileName.find('/') == std::string::npos;
+  void* const library = isBare ? ::dlopen(fileName.c_str(), RTLD_NOW | RTLD_LOCAL) : nullptr;
+  if (library != nullptr) return Keep(library, fileName);
+  code = ERROR_MOD_NOT_FOUND;
+  return NULL_HANDLE;
+}
+
+HANDLE LoadedModules::Keep(void* library, const std::string& fileName) {
   auto module = std::ranges::find(mModules, library, &Module::library);
   if (module == mModules.end()) {
-    mModules.push_back({nativePath.substr(nativePath.rfind('/') + 1), library, 0});
+    mModules.push_back({fileName, library, 0});
     module = mModules.end() - 1;
   }
   ++module->loads;

@@ -15,6 +15,8 @@ class LoadedModules {
  public:
   // A native path with a slash in it. NULL_HANDLE and the code on failure.
   [[nodiscard]] HANDLE Load(const std::string& nativePath, std::uint32_t& code);
+  // A library of the system by its bare name, where the system's loader looks for such.
+  [[nodiscard]] HANDLE LoadFromSystem(const std::string& fileName, std::uint32_t& code);
   // By the last component of its path.
   [[nodiscard]] HANDLE Find(const std::string& fileName) const;
   [[nodiscard]] void* Function(HANDLE module, const char* name) const;
@@ -27,6 +29,8 @@ class LoadedModules {
     void* library = nullptr;
     int loads = 0;
   };
+  [[nodiscard]] HANDLE Keep(void* library, const std::string& fileName);
+
   std::vector<Module> mModules;
 };
 

@@ -11,9 +11,9 @@
 #include <string>
 #include <utility>
 
+#include "platform/PatientWorker.h"
 #include "platform/SystemConstants.h"
 #include "platform/posix/OpenFolders.h"
-#include "platform/posix/PatientWorker.h"
 #include "platform/posix/StatxFacts.h"
 
 namespace quillmarsh {

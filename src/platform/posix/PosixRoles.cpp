@@ -2,12 +2,13 @@
 // The smaller roles.
 #include "platform/posix/PosixRoles.h"
 
+#include <fcntl.h>
 #include <time.h>
 #include <unistd.h>
 
 #include <atomic>
+#include <cerrno>
 #include <csignal>
-
 #include <cstdlib>
 #include <limits>
 #include <memory>
@@ -35,6 +36,29 @@ bool PosixAccess::DoAccessCheck(const std::vector<std::byte>& /*descriptor*/, HA
                                 std::uint32_t /*desired*/, const GENERIC_MAPPING& /*mapping*/,
                                 AccessCheckAnswer& /*answer*/) {
   return Fail(ERROR_NOT_SUPPORTED, false);
+}
+
+// By the mode bits, by lists that the file system keeps behind them, and by a mount that is
+// read-only: whatever the kernel goes by.
+bool PosixAccess::DoIsRefused(TextView path, std::uint32_t desired) {
+  Located located;
+  if (mContext.Locate(path, located) != ERROR_SUCCESS) return false;
+  const int mode = desired == FILE_GENERIC_WRITE ? W_OK : R_OK;
+  bool isRefused = false;
+  const std::uint32_t error =
+      mContext.Run(located.drive->kind.answers, isRefused,
+                   [folders = mContext.folders, located, mode](bool& refused) {
+                     SharedFd parent;
+                     const std::uint32_t code = folders->OpenParent(located, parent);
+                     refused = code == ERROR_ACCESS_DENIED;
+                     if (code != ERROR_SUCCESS) return code;
+                     const std::string name(located.path.Name());
+                     refused = ::faccessat(parent.Get(), name.empty() ? "." : name.c_str(), mode,
+                                           AT_EACCESS | AT_SYMLINK_NOFOLLOW) != 0 &&
+                               (errno == EACCES || errno == EPERM || errno == EROFS);
+                     return ERROR_SUCCESS;
+                   });
+  return isRefused && error != ERROR_OPERATION_ABORTED;
 }
 
 std::optional<std::uint32_t> PosixAccess::DoEncryptionStatus(TextView path) {
@@ -120,6 +144,22 @@ HANDLE PosixModules::DoLoadLibrary(TextView path) {
   }
   std::uint32_t code = ERROR_SUCCESS;
   const HANDLE module = mModules.Load(native, code);
+  return module != NULL_HANDLE ? module : Fail(code, NULL_HANDLE);
+}
+
+Text PosixModules::DoLibraryFileName(TextView name, std::int32_t version) const {
+  Text fileName = u"lib";
+  for (const char16_t unit : name)
+    fileName += unit >= u'A' && unit <= u'Z' ? static_cast<char16_t>(unit - u'A' + u'a') : unit;
+  return fileName + u".so." + DecimalText(version);
+}
+
+HANDLE PosixModules::DoLoadLibraryOfSystem(TextView fileName) {
+  const std::string program = ProgramFile();
+  const std::string name = ToUtf8(fileName);
+  std::uint32_t code = ERROR_SUCCESS;
+  HANDLE module = mModules.Load(program.substr(0, program.rfind('/') + 1) + name, code);
+  if (module == NULL_HANDLE) module = mModules.LoadFromSystem(name, code);
   return module != NULL_HANDLE ? module : Fail(code, NULL_HANDLE);
 }
 

@@ -70,6 +70,7 @@ class PosixAccess final : public Access {
   bool DoRevert() override { return true; }
   bool DoAccessCheck(const std::vector<std::byte>& descriptor, HANDLE token, std::uint32_t desired,
                      const GENERIC_MAPPING& mapping, AccessCheckAnswer& answer) override;
+  bool DoIsRefused(TextView path, std::uint32_t desired) override;
   std::optional<std::uint32_t> DoEncryptionStatus(TextView path) override;
   PosixContext& mContext;
 };
@@ -96,6 +97,8 @@ class PosixModules final : public Modules {
   Text DoGetCurrentFolder() override;
   Text DoModuleFileName(TextView base) const override { return Text(base) + u".so"; }
   HANDLE DoLoadLibrary(TextView path) override;
+  Text DoLibraryFileName(TextView name, std::int32_t version) const override;
+  HANDLE DoLoadLibraryOfSystem(TextView fileName) override;
   HANDLE DoGetModuleHandle(TextView name) override;
   void* DoGetProcAddress(HANDLE module, const char* name) override;
   bool DoFreeLibrary(HANDLE module) override;

@@ -191,6 +191,13 @@ HANDLE SimulatedModules::DoLoadLibrary(TextView path) {
   return module->second.handle;
 }
 
+HANDLE SimulatedModules::DoLoadLibraryOfSystem(TextView fileName) {
+  for (const auto& [path, module] : mWorld->modules) {
+    if (path.ends_with(u"\\" + Text(fileName))) return DoLoadLibrary(path);
+  }
+  return Fail(ERROR_MOD_NOT_FOUND, NULL_HANDLE);
+}
+
 HANDLE SimulatedModules::DoGetModuleHandle(TextView name) {
   for (const auto& [path, module] : mWorld->modules) {
     if (module.loads > 0 && path.ends_with(u"\\" + Text(name))) return module.handle;

@@ -49,6 +49,7 @@ class SimulatedModules final : public Modules {
   Text DoGetCurrentFolder() override { return mWorld->currentFolder; }
   Text DoModuleFileName(TextView base) const override { return Text(base) + u".dll"; }
   HANDLE DoLoadLibrary(TextView path) override;
+  HANDLE DoLoadLibraryOfSystem(TextView fileName) override;
   HANDLE DoGetModuleHandle(TextView name) override;
   void* DoGetProcAddress(HANDLE module, const char* name) override;
   bool DoFreeLibrary(HANDLE module) override;

@@ -120,6 +120,13 @@ HANDLE Win32Modules::DoLoadLibrary(TextView path) {
   });
 }
 
+HANDLE Win32Modules::DoLoadLibraryOfSystem(TextView fileName) {
+  return Forward(mCalls, [&] {
+    return win32::FromSystem(
+        ::LoadLibraryExW(Wide(fileName).c_str(), nullptr, LOAD_LIBRARY_SEARCH_DEFAULT_DIRS));
+  });
+}
+
 HANDLE Win32Modules::DoGetModuleHandle(TextView name) {
   return Forward(mCalls, [&] { return win32::FromSystem(::GetModuleHandleW(Wide(name).c_str())); });
 }

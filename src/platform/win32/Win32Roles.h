@@ -48,6 +48,7 @@ class Win32Modules final : public Modules {
   Text DoGetProgram() override;
   Text DoModuleFileName(TextView base) const override { return Text(base) + u".dll"; }
   HANDLE DoLoadLibrary(TextView path) override;
+  HANDLE DoLoadLibraryOfSystem(TextView fileName) override;
   HANDLE DoGetModuleHandle(TextView name) override;
   void* DoGetProcAddress(HANDLE module, const char* name) override;
   bool DoFreeLibrary(HANDLE module) override;

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 // The helper thread for calls on file systems that may not answer.
-#include "platform/posix/PatientWorker.h"
+#include "platform/PatientWorker.h"
 
 #include <chrono>
 #include <condition_variable>
