@@ -12,6 +12,10 @@ Text SaveFileName(const Text& title, const Text& filter) {
   return gPickers.files != nullptr ? gPickers.files->SaveFileName(title, filter) : Text();
 }
 
+Text OpenFileName(const Text& title, const Text& start) {
+  return gPickers.files != nullptr ? gPickers.files->OpenFileName(title, start) : Text();
+}
+
 Text BrowseForFolder(const Text& prompt, const Text& start) {
   return gPickers.folders != nullptr ? gPickers.folders->BrowseForFolder(prompt, start) : Text();
 }

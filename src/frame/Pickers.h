@@ -15,6 +15,9 @@ class FilePicker {
   // existing file is chosen; adds no extension. `filter` is pairs of a description and its masks,
   // parted by '|'.
   virtual Text SaveFileName(const Text& title, const Text& filter) = 0;
+  // Modal. The drive-form path of an existing file, empty when the person cancels. `start` is the
+  // folder shown first, where it exists.
+  virtual Text OpenFileName(const Text& title, const Text& start) = 0;
 };
 
 class FolderPicker {
@@ -41,6 +44,7 @@ extern Pickers gPickers;
 
 // Empty, as if the person had cancelled, where nobody can be asked.
 [[nodiscard]] Text SaveFileName(const Text& title, const Text& filter);
+[[nodiscard]] Text OpenFileName(const Text& title, const Text& start);
 [[nodiscard]] Text BrowseForFolder(const Text& prompt, const Text& start);
 
 // Shows the hourglass for as long as it lives, and lets the window paint that.

@@ -145,16 +145,8 @@ constexpr MenuRow kPopup[] = {
 
 // A row goes when its dialog is there.
 constexpr std::string_view kDialogsToCome[] = {
-    "WIZARD_KEY",
-    "FILTER_KEY",
-    "MEDIAINFO_KEY",
-    "mnuFileViewSelectedMediaFileProperties",
-    "mnuPopupMediaProperties",
-    "mnuOptionsEditFileTypes",
-    "mnuOptionsFilter",
-    "mnuHelpContents",
-    "mnuHelpTroubeshootingGeneral",
-    "mnuHelpTroubleshootingAnalyzeFSO",
+    "MEDIAINFO_KEY",   "mnuFileViewSelectedMediaFileProperties", "mnuPopupMediaProperties",
+    "mnuHelpContents", "mnuHelpTroubeshootingGeneral",           "mnuHelpTroubleshootingAnalyzeFSO",
 };
 
 // An ampersand in a caption is no mark of a key.

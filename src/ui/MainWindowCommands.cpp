@@ -3,6 +3,7 @@
 #include <QDesktopServices>
 #include <QUrl>
 
+#include "filetypes/SearchFileTypeFilters.h"
 #include "frame/CommandScope.h"
 #include "frame/ProgramFlags.h"
 #include "frame/TextTable.h"
@@ -63,6 +64,20 @@ void RunPlain(Parts& /*parts*/) {
 
 void ChooseDupesFolder(Parts& /*parts*/) {
   mnuOptionsDupesFolderLocation_Click();
+}
+
+void FilterFilesAndFolders(Parts& parts) {
+  RunCommand(u"frmFindDuplicates.mnuOptionsFilter_Click",
+             [&] { ShowIncludeExcludeDialog(&parts.window); });
+}
+
+// The filters follow the type's masks, whatever came of the dialog.
+void EditFileTypes(Parts& parts) {
+  RunCommand(u"frmFindDuplicates.mnuOptionsEditFileTypes_Click", [&] {
+    ShowEditCFTListDialog(&parts.window);
+    if (!parts.isUnloaded)
+      PopulateIncludeExcludeFiltersBasedOnSearchFileType(gDupeSettings->FileType());
+  });
 }
 
 void OpenConfigFolder() {
@@ -126,6 +141,8 @@ constexpr Command kCommands[] = {
     {"mnuRemovalOptions(1)", ChooseRemoveMethod<1>},
     {"mnuRemovalOptions(2)", ChooseRemoveMethod<2>},
     {"mnuRemovalOptions(3)", ChooseRemoveMethod<3>},
+    {"mnuOptionsEditFileTypes", EditFileTypes},
+    {"mnuOptionsFilter", FilterFilesAndFolders},
     {"mnuOptionsDupesFolderLocation", ChooseDupesFolder},
     {"mnuNavigationSearchWindow", [](Parts& parts) { parts.views.ShowSearchView(); }},
     {"mnuNavigationResultsWindow", [](Parts& parts) { parts.views.ShowResultsView(); }},
@@ -135,6 +152,7 @@ constexpr Command kCommands[] = {
     {"mnuHelpTroubleshootingWebSite", OpenAddress<kWebPage>},
     {"mnuHelpContactUs", OpenAddress<kSalesAddress>},
     {"mnuHelpAbout", [](Parts& parts) { ShowAboutDialog(&parts.window); }},
+    {"WIZARD_KEY", Select<&Selecting::ShowSelectionAssistant>},
     {"UNDO_KEY", Select<&Selecting::UndoMarks>},
     {"OPTIONS_KEY", DropDownRemovalOptions},
     {"QUICKSELECT_KEY", DropDownSelectMultiple},
@@ -163,6 +181,7 @@ constexpr Twin kTwins[] = {
     {"mnuPopupAddFileExtensionToExcludeList", "mnuFileAddFileExtensionToExcludeList"},
     {"mnuPopupProperties", "mnuFileViewSelectedFileProperties"},
     {"START_SEARCH_KEY", "mnuFileFindDupes"},
+    {"FILTER_KEY", "mnuOptionsFilter"},
     {"HISTORY_KEY", "mnuHistoryView"},
     {"RESULTSVIEW_KEY", "mnuNavigationResultsWindow"},
     {"REMOVE_KEY", "mnuFileRemovedMarkedFiles"},

@@ -235,6 +235,15 @@ Text QtViews::SaveFileName(const Text& title, const Text& filter) {
   });
 }
 
+Text QtViews::OpenFileName(const Text& title, const Text& start) {
+  QFileDialog dialog(TopWindow(), ToQString(title), FolderThatAnswers(start));
+  dialog.setAcceptMode(QFileDialog::AcceptOpen);
+  dialog.setFileMode(QFileDialog::ExistingFile);
+  return AskForPlace(dialog, title, [](const std::string& native) {
+    return TheMachine().Drives().LocationFromNative(native);
+  });
+}
+
 Text QtViews::BrowseForFolder(const Text& prompt, const Text& start) {
   QFileDialog dialog(TopWindow(), ToQString(prompt).simplified(), FolderThatAnswers(start));
   dialog.setAcceptMode(QFileDialog::AcceptOpen);

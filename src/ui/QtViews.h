@@ -34,6 +34,7 @@ class QtViews final : public MessageView,
   Text Show(TextView prompt, TextView title, TextView defaultText) override;
   void PumpEvents() override;
   Text SaveFileName(const Text& title, const Text& filter) override;
+  Text OpenFileName(const Text& title, const Text& start) override;
   Text BrowseForFolder(const Text& prompt, const Text& start) override;
   void ShowBusyPointer(bool isBusy) override;
 

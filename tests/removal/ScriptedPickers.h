@@ -23,6 +23,7 @@ class ScriptedPickers final : private FilePicker, private FolderPicker, private 
   Text SaveFileName(const Text& title, const Text& filter) override {
     return Answer(title, filter);
   }
+  Text OpenFileName(const Text& title, const Text& start) override { return Answer(title, start); }
   Text BrowseForFolder(const Text& prompt, const Text& start) override {
     return Answer(prompt, start);
   }

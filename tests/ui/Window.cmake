@@ -1,6 +1,6 @@
 quillmarsh_window_test(window_tests
   SOURCES ExcludeListTest.cpp LayoutTest.cpp MenusTest.cpp SearchOptionsTest.cpp WindowFixture.cpp
-    WindowSearchTest.cpp WindowTest.cpp
+    WindowDialogsTest.cpp WindowSearchTest.cpp WindowTest.cpp
   USES platform_posix)
 add_dependencies(window_tests pbcrc32)
 

@@ -3,12 +3,13 @@
 #include "WindowFixture.h"
 
 #include <QApplication>
-#include <QDialog>
 #include <QDir>
 #include <QFile>
 #include <QTest>
+#include <utility>
 
 #include "filetypes/cCommonFileTypes.h"
+#include "frame/ErrorReporting.h"
 #include "frame/ProgramFlags.h"
 #include "fsobjects/ChecksumLibrary.h"
 #include "fsobjects/cFSXFolderPathsList.h"
@@ -79,6 +80,7 @@ WindowFixture::WindowFixture() {
   gCommonFileTypes = std::make_unique<cCommonFileTypes>();
   mDupesFolderPath.clear();
   gUserAbort = false;
+  SetErrorDetailFolder(GetIniFileFolder);
   LoadChecksumLibrary();
   mViews.emplace();
   gViews.pump = this;
@@ -90,7 +92,8 @@ WindowFixture::WindowFixture() {
     auto* const dialog = qobject_cast<QDialog*>(QApplication::activeModalWidget());
     if (dialog == nullptr) return;
     ++dialogsShown;
-    dialog->reject();
+    if (const auto inside = std::exchange(inNextDialog, {})) inside(*dialog);
+    if (dialog->isVisible()) dialog->reject();
   });
   mCloser.start(0);
 }

@@ -15,6 +15,8 @@
 
 #include "frame/startup/GlobalObjects.h"
 #include "platform/posix/PosixMachine.h"
+#include "selection/RuleTexts.h"
+#include "selection/clsMarkForRemovalWizard.h"
 #include "settings/clsDupeSettings.h"
 #include "ui/Dialogs.h"
 #include "ui/MainWindowParts.h"
@@ -30,6 +32,8 @@ QPalette DarkPalette() {
   palette.setColor(QPalette::AlternateBase, QColor(0x26, 0x28, 0x2b));
   palette.setColor(QPalette::Highlight, QColor(0x2f, 0x65, 0xca));
   palette.setColor(QPalette::HighlightedText, Qt::white);
+  for (const auto role : {QPalette::WindowText, QPalette::Text, QPalette::ButtonText})
+    palette.setColor(QPalette::Disabled, role, QColor(0x80, 0x82, 0x85));
   return palette;
 }
 
@@ -85,6 +89,14 @@ void TakeAll(frmFindDuplicates& window, Painter& painter) {
   });
   painter.TakeDialog(QStringLiteral("removal-guidelines"),
                      [&window] { static_cast<void>(ShowRemovalWarningDialog(&window)); });
+  painter.TakeDialog(QStringLiteral("selection-assistant"), [&window] {
+    gMarkForRemovalWizardOptions->mRule = selection_rule::InFolder;
+    ShowMarkForRemovalWizardDialog(&window);
+  });
+  painter.TakeDialog(QStringLiteral("inclusions-exclusions"),
+                     [&window] { ShowIncludeExcludeDialog(&window); });
+  painter.TakeDialog(QStringLiteral("edit-file-types"),
+                     [&window] { ShowEditCFTListDialog(&window); });
   painter.TakeDialog(QStringLiteral("getting-started"),
                      [&window] { ShowGettingStartedDialog(&window); });
   painter.TakeDialog(QStringLiteral("about"), [&window] { ShowAboutDialog(&window); });
