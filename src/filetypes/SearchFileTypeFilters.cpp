@@ -13,6 +13,8 @@ namespace {
 
 constexpr std::int32_t kObjectNotSet = 91;
 
+}  // namespace
+
 Text MasksOfSearchFileType(std::int32_t number) {
   if (number == 0) return {};
   const std::int32_t commonFileType = CFTEnumFromSFTEnum(number);
@@ -26,8 +28,6 @@ Text MasksOfSearchFileType(std::int32_t number) {
   if (gCommonFileTypes == nullptr) throw RuntimeError(kObjectNotSet);
   return gCommonFileTypes->CommonFileTypes().Item(commonFileType + 1)->FileMasksList();
 }
-
-}  // namespace
 
 void PopulateIncludeExcludeFiltersBasedOnSearchFileType(std::int32_t number) {
   Guarded(u"frmFindDuplicates.PopulateIncludeExcludeFiltersBasedOnSearchFileType", [&] {

@@ -5,7 +5,13 @@
 
 #include <cstdint>
 
+#include "base/Text.h"
+
 namespace quillmarsh {
+
+// The masks of a search file type as one list text; empty for 0 (all files), and with a message box
+// outside 0 to 4. Where gCommonFileTypes lacks the type, that is raised.
+[[nodiscard]] Text MasksOfSearchFileType(std::int32_t number);
 
 // Overwrites all four filters, the exclusions too, and asks nobody: IncludeFiles becomes the masks
 // of the search file type, the other three become empty. For 0 (all files), and with a message box

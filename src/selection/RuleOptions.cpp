@@ -2,7 +2,13 @@
 // One check for each kind of parameter.
 #include "selection/RuleOptions.h"
 
+#include <algorithm>
+#include <utility>
+
+#include "base/RuntimeError.h"
+#include "base/TextEquality.h"
 #include "base/ValueText.h"
+#include "filetypes/TypedFilters.h"
 #include "frame/TextTable.h"
 #include "fsobjects/LocaleFormats.h"
 #include "fsobjects/cFSXFileSystemObject.h"
@@ -19,8 +25,21 @@ RuleProblem CheckFolder(const Text& folder, const Text& known) {
     return RuleProblem{RuleField::FolderSpec, LoadResString(message), LoadResString(598)};
   };
   if (folder.empty()) return problem(597);
-  if (!FSXFolderExists(FolderSpecFromTyped(folder, known))) return problem(599);
-  return {};
+  const Text spec = FolderSpecFromTyped(folder, known);
+  // To ask for what lies on no drive would be told as a failure of the machine.
+  const bool isNowhere = HasPathsOfItsOwn() && !IsProgramPath(spec);
+  return isNowhere || !FSXFolderExists(spec) ? problem(599) : RuleProblem{};
+}
+
+// The classic errors do not say which control they are about, and it may be hidden.
+template <typename Body>
+auto NamingTheSize(Body&& body) {
+  try {
+    return body();
+  } catch (const RuntimeError& error) {
+    throw RuntimeError(error.Number(), error.Source(),
+                       LoadResString(364) + u": " + error.Description());
+  }
 }
 
 // Zero passes, and so does what rounds to it.
@@ -30,7 +49,8 @@ RuleProblem CheckFileSize(const Text& size) {
   };
   if (size.empty()) return problem(600);
   if (!NumberFromText(size, GetLocaleFacts())) return problem(602);
-  if (LongFromText(size, GetLocaleFacts()) < 0) return problem(603);
+  const auto whole = NamingTheSize([&] { return LongFromText(size, GetLocaleFacts()); });
+  if (whole < 0) return problem(603);
   return {};
 }
 
@@ -55,15 +75,33 @@ const Text& Trimmed(Text& text) {
 
 }  // namespace
 
-RuleProblem ValidateRuleOptions(std::int32_t rule, RuleControls& controls) {
+RuleParameter ParameterOfRule(std::int32_t rule) {
   switch (rule) {
+    case selection_rule::InDrive:
+    case selection_rule::NotInDrive:
+      return RuleParameter::Drive;
     case selection_rule::InFolder:
     case selection_rule::NotInFolder:
-      return CheckFolder(Trimmed(controls.folderSpec), controls.knownFolderSpec);
+      return RuleParameter::Folder;
     case selection_rule::BySize:
-      return CheckFileSize(Trimmed(controls.fileSize));
+      return RuleParameter::Size;
+    case selection_rule::ByDate:
+      return RuleParameter::Date;
     case selection_rule::ByFileMask:
     case selection_rule::NotByFileMask:
+      return RuleParameter::Mask;
+    default:
+      return RuleParameter::None;
+  }
+}
+
+RuleProblem ValidateRuleOptions(std::int32_t rule, RuleControls& controls) {
+  switch (ParameterOfRule(rule)) {
+    case RuleParameter::Folder:
+      return CheckFolder(Trimmed(controls.folderSpec), controls.knownFolderSpec);
+    case RuleParameter::Size:
+      return CheckFileSize(Trimmed(controls.fileSize));
+    case RuleParameter::Mask:
       return CheckFileMask(Trimmed(controls.fileMask));
     default:
       return {};
@@ -71,15 +109,21 @@ RuleProblem ValidateRuleOptions(std::int32_t rule, RuleControls& controls) {
 }
 
 void SaveControlsToOptions(const RuleControls& controls, clsMarkForRemovalWizard& options) {
-  options.mRule = controls.rule;
-  options.SetDriveSpec(controls.drive);
-  options.mFolderSpec = FolderSpecFromTyped(controls.folderSpec, controls.knownFolderSpec);
-  options.mIncludeSubFolders = controls.includeSubFolders;
-  options.SetFileSize(CurrencyFromText(controls.fileSize, GetLocaleFacts()));
-  options.SetSizeIncrement(controls.sizeIncrement);
-  options.mLastModifiedDate = controls.lastModifiedDate;
-  options.mFileMask = controls.fileMask;
-  options.mAllowRemovalOfAllFilesInGroup = controls.allowRemovalOfAllFilesInGroup;
+  clsMarkForRemovalWizard saved = options;
+  saved.mRule = controls.rule;
+  saved.SetDriveSpec(controls.drive);
+  saved.mFolderSpec = FolderSpecFromTyped(controls.folderSpec, controls.knownFolderSpec);
+  saved.mIncludeSubFolders = controls.includeSubFolders;
+  NamingTheSize([&] {
+    // A size must not be multiplied by the unit of the one before it.
+    saved.SetFileSize({});
+    saved.SetSizeIncrement(controls.sizeIncrement);
+    saved.SetFileSize(CurrencyFromText(controls.fileSize, GetLocaleFacts()));
+  });
+  saved.mLastModifiedDate = controls.lastModifiedDate;
+  saved.mFileMask = MaskFromTyped(controls.fileMask);
+  saved.mAllowRemovalOfAllFilesInGroup = controls.allowRemovalOfAllFilesInGroup;
+  options = std::move(saved);
 }
 
 RuleControls LoadControlsFromOptions(const clsMarkForRemovalWizard& options) {
@@ -92,9 +136,36 @@ RuleControls LoadControlsFromOptions(const clsMarkForRemovalWizard& options) {
   controls.fileSize = options.FileSize().ToText();
   controls.sizeIncrement = options.SizeIncrement();
   controls.lastModifiedDate = options.mLastModifiedDate;
-  controls.fileMask = options.mFileMask;
+  controls.fileMask = ShownMask(options.mFileMask);
   controls.allowRemovalOfAllFilesInGroup = options.mAllowRemovalOfAllFilesInGroup;
   return controls;
+}
+
+std::vector<RuleDrive> GetRuleDrives() {
+  Volumes& volumes = TheMachine().Drives();
+  const Text roots = volumes.GetLogicalDriveStringsW();
+  std::vector<RuleDrive> drives;
+  for (std::size_t begin = 0; begin < roots.size();) {
+    const std::size_t end = std::min(roots.find(u'\0', begin), roots.size());
+    const Text root = roots.substr(begin, end - begin);
+    begin = end + 1;
+    Text shown = volumes.ShownPath(root);
+    if (shown == root) shown = RemoveBackslash(root);
+    if (shown.size() > 1 && shown.ends_with(u'/')) shown.pop_back();
+    VolumeInformation volume;
+    if (volumes.GetVolumeInformationW(root, volume) && !volume.label.empty())
+      shown += u" [" + volume.label + u"]";
+    drives.push_back({RemoveBackslash(root), std::move(shown)});
+  }
+  return drives;
+}
+
+int PositionOfDrive(const std::vector<RuleDrive>& drives, TextView driveSpec) {
+  const Text wanted = driveSpec.size() == 1 ? Text(driveSpec) + u":" : Text(driveSpec);
+  for (std::size_t position = 0; position < drives.size(); ++position) {
+    if (CompareIgnoringCase(drives[position].drive, wanted) == 0) return static_cast<int>(position);
+  }
+  return -1;
 }
 
 // The final backslash decides whether a folder is found without its subfolders, so it stays, or

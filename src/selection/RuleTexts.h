@@ -20,6 +20,7 @@ inline constexpr std::int32_t NotInDrive = 5;
 inline constexpr std::int32_t InFolder = 6;
 inline constexpr std::int32_t NotInFolder = 7;
 inline constexpr std::int32_t BySize = 8;
+inline constexpr std::int32_t ByDate = 9;
 inline constexpr std::int32_t ByFileMask = 10;
 inline constexpr std::int32_t NotByFileMask = 11;
 }  // namespace selection_rule

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// The small modal dialogs that tell where things stand. Each is made when it is shown, over the
-// window that is given, and is gone afterwards.
+// The modal dialogs: the small ones that tell where things stand, and those that edit options. Each
+// is made when it is shown, over the window that is given, and is gone afterwards.
 #pragma once
 
 #include <QWidget>
@@ -16,5 +16,11 @@ void ShowSelectSummaryDialog(QWidget* parent, const SelectSummary& summary);
 [[nodiscard]] std::int32_t ShowRemovalWarningDialog(QWidget* parent);
 void ShowGettingStartedDialog(QWidget* parent);
 void ShowAboutDialog(QWidget* parent);
+
+// Edit gMarkForRemovalWizardOptions; the mark mCancelled is set in any case but Select.
+void ShowMarkForRemovalWizardDialog(QWidget* parent);
+// Edit the filter lists of gDupeSettings, and the masks of gCommonFileTypes.
+void ShowIncludeExcludeDialog(QWidget* parent);
+void ShowEditCFTListDialog(QWidget* parent);
 
 }  // namespace quillmarsh

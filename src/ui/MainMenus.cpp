@@ -146,8 +146,8 @@ constexpr MenuRow kPopup[] = {
 
 // A row goes when its dialog is there.
 constexpr std::string_view kDialogsToCome[] = {
-    "WIZARD_KEY",       "FILTER_KEY",      "mnuOptionsEditFileTypes",
-    "mnuOptionsFilter", "mnuHelpContents", "mnuHelpTroubeshootingGeneral",
+    "mnuHelpContents",
+    "mnuHelpTroubeshootingGeneral",
 };
 
 // Those of one menu, and then those of the menus below it.

@@ -3,6 +3,7 @@
 #include <QDesktopServices>
 #include <QUrl>
 
+#include "filetypes/SearchFileTypeFilters.h"
 #include "frame/CommandScope.h"
 #include "frame/ProgramFlags.h"
 #include "frame/TextTable.h"
@@ -73,6 +74,23 @@ void RunPlain(Parts& /*parts*/) {
 
 void ChooseDupesFolder(Parts& /*parts*/) {
   mnuOptionsDupesFolderLocation_Click();
+}
+
+void FilterFilesAndFolders(Parts& parts) {
+  RunCommand(u"frmFindDuplicates.mnuOptionsFilter_Click",
+             [&] { ShowIncludeExcludeDialog(&parts.window); });
+}
+
+// The filters follow the masks of the chosen type. Where those have not changed, applying them
+// would do no more than drop what a person has excluded.
+void EditFileTypes(Parts& parts) {
+  RunCommand(u"frmFindDuplicates.mnuOptionsEditFileTypes_Click", [&] {
+    const std::int32_t chosen = gDupeSettings->FileType();
+    const Text before = MasksOfSearchFileType(chosen);
+    ShowEditCFTListDialog(&parts.window);
+    if (!parts.isUnloaded && MasksOfSearchFileType(chosen) != before)
+      PopulateIncludeExcludeFiltersBasedOnSearchFileType(chosen);
+  });
 }
 
 // A person can go there by hand.
@@ -158,6 +176,8 @@ constexpr Command kCommands[] = {
     {"mnuRemovalOptions(1)", ChooseRemoveMethod<1>},
     {"mnuRemovalOptions(2)", ChooseRemoveMethod<2>},
     {"mnuRemovalOptions(3)", ChooseRemoveMethod<3>},
+    {"mnuOptionsEditFileTypes", EditFileTypes},
+    {"mnuOptionsFilter", FilterFilesAndFolders},
     {"mnuOptionsDupesFolderLocation", ChooseDupesFolder},
     {"mnuNavigationSearchWindow", [](Parts& parts) { parts.views.ShowSearchView(); }},
     {"mnuNavigationResultsWindow", [](Parts& parts) { parts.views.ShowResultsView(); }},
@@ -168,6 +188,7 @@ constexpr Command kCommands[] = {
     {"mnuHelpTroubleshootingWebSite", RunPlain<OpenWebPage>},
     {"mnuHelpContactUs", RunPlain<OpenMail>},
     {"mnuHelpAbout", [](Parts& parts) { ShowAboutDialog(&parts.window); }},
+    {"WIZARD_KEY", Select<&Selecting::ShowSelectionAssistant>},
     {"UNDO_KEY", Select<&Selecting::UndoMarks>},
     {"OPTIONS_KEY", DropDownRemovalOptions},
     {"QUICKSELECT_KEY", DropDownSelectMultiple},
@@ -197,6 +218,7 @@ constexpr Twin kTwins[] = {
     {"mnuPopupProperties", "mnuFileViewSelectedFileProperties"},
     {"mnuPopupMediaProperties", "mnuFileViewSelectedMediaFileProperties"},
     {"START_SEARCH_KEY", "mnuFileFindDupes"},
+    {"FILTER_KEY", "mnuOptionsFilter"},
     {"HISTORY_KEY", "mnuHistoryView"},
     {"RESULTSVIEW_KEY", "mnuNavigationResultsWindow"},
     {"REMOVE_KEY", "mnuFileRemovedMarkedFiles"},

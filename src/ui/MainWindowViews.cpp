@@ -113,9 +113,12 @@ void MainWindowViews::MarksChanged() {
   mParts.ulvwDupeDetails->Model().MarksChanged();
 }
 
-// Its entries are disabled, so nobody comes here; who did would have left it without a choice.
 void MainWindowViews::ShowMarkForRemovalWizard() {
-  gMarkForRemovalWizardOptions->mCancelled = true;
+  if (mParts.isUnloaded) {
+    gMarkForRemovalWizardOptions->mCancelled = true;
+  } else {
+    ShowMarkForRemovalWizardDialog(&mParts.window);
+  }
 }
 
 void MainWindowViews::ShowSelectSummary(const SelectSummary& summary) {

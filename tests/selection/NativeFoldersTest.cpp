@@ -25,5 +25,18 @@ TEST(NativeFolders, BecomeThoseOfTheProgramWithTheFinalSlashAsItWasTyped) {
   UseMachine(nullptr);
 }
 
+TEST(NativeFolders, DrivesAreShownByTheirPlaceAndKeptByTheirLetter) {
+  PosixOptions withoutHome;
+  withoutHome.dataHome = "";
+  PosixMachine machine(withoutHome);
+  UseMachine(&machine);
+  const std::vector<RuleDrive> drives = GetRuleDrives();
+  ASSERT_FALSE(drives.empty());
+  EXPECT_EQ(drives[0].drive, u"C:");
+  EXPECT_TRUE(drives[0].shown == u"/" || drives[0].shown.starts_with(u"/ [")) << "its label";
+  for (const RuleDrive& drive : drives) EXPECT_TRUE(drive.shown.starts_with(u'/'));
+  UseMachine(nullptr);
+}
+
 }  // namespace
 }  // namespace quillmarsh

@@ -63,7 +63,7 @@ TEST_F(RuleOptions, OnlyWhatTheRuleNeedsIsLookedAt) {
   EXPECT_THROW(static_cast<void>(ValidateRuleOptions(8, controls)), RuntimeError);
 }
 
-TEST_F(RuleOptions, AreSavedWholeInOneOrderAndComeBackAsTheyWere) {
+TEST_F(RuleOptions, AreSavedWholeOrNotAtAllAndComeBackAsTheyWere) {
   RuleControls controls = {8, u"d: [Disk]",  u"C:\\Data", {},  true, u"1.5",
                            2, Date(45000.5), u"*.bak",    true};
   clsMarkForRemovalWizard options;
@@ -75,13 +75,63 @@ TEST_F(RuleOptions, AreSavedWholeInOneOrderAndComeBackAsTheyWere) {
   EXPECT_EQ(loaded.fileSize, u"1.5");
   EXPECT_TRUE(loaded.includeSubFolders && loaded.allowRemovalOfAllFilesInGroup);
 
-  // The size is converted whatever the rule; what stands before it in the order is kept.
+  // The size is converted whatever the rule.
   controls.rule = 2;
-  controls.fileSize = u"many";
+  controls.drive = u"e:";
   controls.fileMask = u"*.new";
-  EXPECT_THROW(SaveControlsToOptions(controls, options), RuntimeError);
-  EXPECT_EQ(options.mRule, 2);
-  EXPECT_EQ(options.mFileMask, u"*.bak");
+  for (const auto& [size, unit, number] : {std::tuple(u"many", 0, runtime_error::TypeMismatch),
+                                           {u"", 0, runtime_error::TypeMismatch},
+                                           {u"858994", 3, runtime_error::Overflow}}) {
+    controls.fileSize = size;
+    controls.sizeIncrement = unit;
+    try {
+      SaveControlsToOptions(controls, options);
+      ADD_FAILURE() << "no error";
+    } catch (const RuntimeError& error) {
+      EXPECT_EQ(error.Number(), number);
+      EXPECT_TRUE(error.Description().starts_with(u"File Size: "));
+    }
+    EXPECT_EQ(options.mRule, 8);
+    EXPECT_EQ(options.DriveSpec(), u"d:");
+    EXPECT_EQ(options.mFileMask, u"*.bak");
+    EXPECT_EQ(options.FileSizeInBytes(), Currency::FromInteger(1'572'864));
+  }
+}
+
+TEST_F(RuleOptions, ALargeSizeIsNotTakenInTheUnitOfTheOneBefore) {
+  clsMarkForRemovalWizard options;
+  options.SetSizeIncrement(3);
+  RuleControls controls;
+  controls.rule = 8;
+  controls.fileSize = u"2000000";
+  SaveControlsToOptions(controls, options);
+  EXPECT_EQ(options.FileSizeInBytes(), Currency::FromInteger(2'000'000));
+  controls.fileSize = u"1";
+  controls.sizeIncrement = 3;
+  SaveControlsToOptions(controls, options);
+  EXPECT_EQ(options.FileSizeInBytes(), Currency::FromInteger(1LL << 30));
+}
+
+TEST_F(RuleOptions, DrivesAreListedWithTheirLabelsAndFoundByAnyOfTheirForms) {
+  SimulatedDrive stick;
+  stick.root = u"E:\\";
+  stick.label = u"Stick";
+  stick.serialNumber = 2;
+  machine.AddDrive(stick);
+  SimulatedDrive reader;
+  reader.root = u"F:\\";
+  reader.serialNumber = 3;
+  reader.ready = false;
+  machine.AddDrive(reader);
+  const std::vector<RuleDrive> drives = GetRuleDrives();
+  ASSERT_EQ(drives.size(), 3U);
+  EXPECT_EQ(drives[1].drive, u"E:");
+  EXPECT_EQ(drives[1].shown, u"E: [Stick]");
+  EXPECT_EQ(drives[2].shown, u"F:");
+  EXPECT_EQ(PositionOfDrive(drives, u"C"), 0);
+  EXPECT_EQ(PositionOfDrive(drives, u"e:"), 1);
+  EXPECT_EQ(PositionOfDrive(drives, u"\\\\server\\share"), -1);
+  EXPECT_EQ(PositionOfDrive(drives, u""), -1);
 }
 
 TEST(DateDiff, IsRoundedToWholeSecondsHalfToEvenTwice) {

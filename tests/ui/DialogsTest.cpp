@@ -25,20 +25,6 @@ class DialogsTest : public testing::Test, protected MachineFixture {
   ~DialogsTest() override { ResetLocaleFacts(); }
 };
 
-// Every text lies wholly inside its label, and every label inside the dialog.
-void ExpectNothingIsCut(const QDialog& box) {
-  for (const QLabel* const label : box.findChildren<QLabel*>()) {
-    const int needed =
-        label->wordWrap() ? label->heightForWidth(label->width()) : label->sizeHint().height();
-    EXPECT_GE(label->height(), needed) << label->text().toStdString();
-    if (!label->wordWrap()) {
-      EXPECT_GE(label->width(), label->sizeHint().width()) << label->text().toStdString();
-    }
-    EXPECT_TRUE(box.rect().contains(QRect(label->mapTo(&box, QPoint(0, 0)), label->size())))
-        << label->text().toStdString();
-  }
-}
-
 TEST_F(DialogsTest, TheSearchSummaryShowsItsNumbersInTheFormOfTheLocale) {
   InNextBox<QDialog>([](QDialog& box) {
     EXPECT_EQ(box.objectName(), "frmSearchSummary");

@@ -4,6 +4,7 @@
 
 #include <gtest/gtest.h>
 
+#include <QAbstractButton>
 #include <QApplication>
 #include <QLabel>
 #include <QTest>
@@ -32,6 +33,21 @@ void InNextBox(std::function<void(Box&)> inside) {
   const auto* const label = box.findChild<QLabel*>(QString::fromLatin1(name));
   EXPECT_NE(label, nullptr) << name;
   return label != nullptr ? label->text().toStdString() : std::string();
+}
+
+// Every text lies wholly inside its label, and every label inside the dialog.
+inline void ExpectNothingIsCut(const QWidget& box) {
+  for (const QLabel* const label : box.findChildren<QLabel*>()) {
+    if (!label->isVisible()) continue;
+    const int needed =
+        label->wordWrap() ? label->heightForWidth(label->width()) : label->sizeHint().height();
+    EXPECT_GE(label->height(), needed) << label->text().toStdString();
+    if (!label->wordWrap()) {
+      EXPECT_GE(label->width(), label->sizeHint().width()) << label->text().toStdString();
+    }
+    EXPECT_TRUE(box.rect().contains(QRect(label->mapTo(&box, QPoint(0, 0)), label->size())))
+        << label->text().toStdString();
+  }
 }
 
 // Presses the button of this object name.

@@ -1,6 +1,7 @@
 quillmarsh_window_test(window_tests
   SOURCES AnalyzeTest.cpp ExcludeListTest.cpp LayoutTest.cpp MenusTest.cpp SearchOptionsTest.cpp
-    SingleInstanceTest.cpp WindowFixture.cpp WindowResultsTest.cpp WindowSearchTest.cpp WindowTest.cpp
+    SingleInstanceTest.cpp WindowDialogsTest.cpp WindowFixture.cpp
+    WindowResultsTest.cpp WindowSearchTest.cpp WindowTest.cpp
   USES startup)
 add_dependencies(window_tests pbcrc32)
 

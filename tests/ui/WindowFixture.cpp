@@ -3,10 +3,10 @@
 #include "WindowFixture.h"
 
 #include <QApplication>
-#include <QDialog>
 #include <QDir>
 #include <QFile>
 #include <QTest>
+#include <utility>
 
 #include "frame/ProgramFlags.h"
 #include "fsobjects/modPaths.h"
@@ -74,7 +74,8 @@ WindowFixture::WindowFixture() {
     auto* const dialog = qobject_cast<QDialog*>(QApplication::activeModalWidget());
     if (dialog == nullptr) return;
     ++dialogsShown;
-    dialog->reject();
+    if (const auto inside = std::exchange(inNextDialog, {})) inside(*dialog);
+    if (dialog->isVisible()) dialog->reject();
   });
   mCloser.start(0);
 }

@@ -6,6 +6,7 @@
 
 #include <gtest/gtest.h>
 
+#include <QDialog>
 #include <QTemporaryDir>
 #include <QTimer>
 #include <deque>
@@ -63,7 +64,9 @@ class WindowFixture : public testing::Test, private PumpView {
   // From now on a test closes them by itself.
   void LeaveDialogsOpen() { mCloser.stop(); }
   int dialogsShown = 0;  // modal dialogs, each closed at once
-  int popupsShown = 0;   // menus and lists, likewise
+  // What is done in the next one instead; it must close it.
+  std::function<void(QDialog&)> inNextDialog;
+  int popupsShown = 0;  // menus and lists, likewise
 
  private:
   void PumpEvents() override;

@@ -18,6 +18,8 @@
 
 #include "frame/startup/GlobalObjects.h"
 #include "platform/posix/PosixMachine.h"
+#include "selection/RuleTexts.h"
+#include "selection/clsMarkForRemovalWizard.h"
 #include "settings/clsDupeSettings.h"
 #include "ui/Dialogs.h"
 #include "ui/MainWindowParts.h"
@@ -109,6 +111,14 @@ void TakeAll(frmFindDuplicates& window, Painter& painter) {
   });
   painter.TakeDialog(QStringLiteral("removal-guidelines"),
                      [&window] { static_cast<void>(ShowRemovalWarningDialog(&window)); });
+  painter.TakeDialog(QStringLiteral("selection-assistant"), [&window] {
+    gMarkForRemovalWizardOptions->mRule = selection_rule::InFolder;
+    ShowMarkForRemovalWizardDialog(&window);
+  });
+  painter.TakeDialog(QStringLiteral("inclusions-exclusions"),
+                     [&window] { ShowIncludeExcludeDialog(&window); });
+  painter.TakeDialog(QStringLiteral("edit-file-types"),
+                     [&window] { ShowEditCFTListDialog(&window); });
   painter.TakeDialog(QStringLiteral("getting-started"),
                      [&window] { ShowGettingStartedDialog(&window); });
   painter.TakeDialog(QStringLiteral("about"), [&window] { ShowAboutDialog(&window); });
