@@ -57,6 +57,9 @@ frmFindDuplicates::frmFindDuplicates(QtViews& views) : mParts(std::make_unique<P
     ConnectControls(parts);
     DesignLayout(parts);
     ReadProgramOptionsFromIniFile(parts.views);
+    // The filters are taken as they are stored, and without a mask all files are searched: a new
+    // options file names a type that its filters do not have, which nobody is to be shown.
+    if (gDupeSettings->IncludeFiles().empty()) gDupeSettings->SetFileType(0);
     if (!gDupeSettings->FolderPaths().empty())
       parts.folders.AddFolderLocationsToList(gDupeSettings->FolderPaths());
     parts.options.ShowSettings();

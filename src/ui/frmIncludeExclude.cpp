@@ -97,8 +97,9 @@ void frmIncludeExclude::MakeButtons(QVBoxLayout& layout) {
 
 void frmIncludeExclude::mb_OKButton_Click() {
   Guarded(u"frmIncludeExclude.mb_OKButton_Click", [this] {
-    for (std::size_t part = 0; part < mParts.size(); ++part)
-      (*gDupeSettings.*kParts[part].set)(mParts[part]->StoredText());
+    const StoredPart* stored = kParts;
+    for (const FilterPart* const part : mParts)
+      (*gDupeSettings.*(stored++)->set)(part->StoredText());
     SaveFilterOptionsToIniFile(gDupeSettings->IncludeFolders(), gDupeSettings->IncludeFiles(),
                                gDupeSettings->ExcludeFolders(), gDupeSettings->ExcludeFiles());
   });

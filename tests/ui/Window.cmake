@@ -1,8 +1,8 @@
 quillmarsh_window_test(window_tests
-  SOURCES AnalyzeTest.cpp ExcludeListTest.cpp LayoutTest.cpp MenusTest.cpp SearchOptionsTest.cpp
+  SOURCES AnalyzeTest.cpp EveryCommandTest.cpp ExcludeListTest.cpp LayoutTest.cpp MenusTest.cpp SearchOptionsTest.cpp
     SingleInstanceTest.cpp WindowDialogsTest.cpp WindowFixture.cpp
     WindowResultsTest.cpp WindowSearchTest.cpp WindowTest.cpp
-  USES startup)
+  USES startup test_support)
 add_dependencies(window_tests pbcrc32)
 
 # Of one drive there is one removal at a time.

@@ -42,10 +42,10 @@ TEST_F(WindowTest, TheFirstStartShowsTheDefaultsInMenuAndList) {
   EXPECT_TRUE(IsChecked("mnuOptionsIncludeSubfolders"));
   EXPECT_TRUE(IsChecked("mnuOptionsDupeCriteriaOption(0)"));
   EXPECT_FALSE(IsChecked("mnuOptionsDupeCriteriaOption(4)"));
-  EXPECT_TRUE(IsChecked("mnuOptionsFileType(1)"));
+  EXPECT_TRUE(IsChecked("mnuOptionsFileType(0)")) << "no mask limits the search";
   EXPECT_TRUE(IsChecked("mnuRemovalOptions(2)"));
   EXPECT_TRUE(IsChecked("mnuOptionsCheckFolderPermission"));
-  EXPECT_EQ(Row("FILE_TYPE_KEY"), QStringLiteral("Audio Files"));
+  EXPECT_EQ(Row("FILE_TYPE_KEY"), QStringLiteral("All File Types"));
   EXPECT_EQ(Row("CONTENTS_MATCH_KEY"), QStringLiteral("False"));
   EXPECT_EQ(Row("IGNORE_RECYCLEBINFILES_KEY"), QStringLiteral("True"));
   EXPECT_FALSE(
