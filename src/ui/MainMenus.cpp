@@ -153,8 +153,6 @@ constexpr std::string_view kDialogsToCome[] = {
     "mnuPopupMediaProperties",
     "mnuOptionsEditFileTypes",
     "mnuOptionsFilter",
-    "mnuHelpContents",
-    "mnuHelpTroubeshootingGeneral",
     "mnuHelpTroubleshootingAnalyzeFSO",
 };
 
@@ -192,6 +190,7 @@ MainMenus::MainMenus(QMenuBar& bar, QWidget& window) : QObject(&window), mWindow
   Fill(window, kPopup);
   GiveAccessKeys(bar.actions());
   GiveAccessKeys(Menu(QStringLiteral("mnuPopup"))->actions());
+  Entry(QStringLiteral("mnuHelpContents"))->setShortcut(Qt::Key_F1);
   Menu(QStringLiteral("mnuPopup"))->setDefaultAction(Entry(QStringLiteral("mnuPopupViewFile")));
 }
 

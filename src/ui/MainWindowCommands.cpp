@@ -15,6 +15,7 @@
 #include "settings/OptionsFolder.h"
 #include "ui/Dialogs.h"
 #include "ui/ExcludeListCommands.h"
+#include "ui/Help.h"
 #include "ui/MainWindowParts.h"
 #include "ui/QtText.h"
 #include "ui/RunCommand.h"
@@ -78,6 +79,11 @@ void OpenConfigFolder() {
       TheMachine().Desktop().ShellExecuteW(u"Open", GetIniFileFolder(), {}, SW_SHOWNORMAL));
 }
 
+template <int topic>
+void ShowHelp(Parts& parts) {
+  RunCommand(u"modHelp.ShowHelpTopic", [&parts] { ShowHelpTopic(&parts.window, topic); });
+}
+
 template <const TextView& address>
 void OpenAddress(Parts& /*parts*/) {
   QDesktopServices::openUrl(QUrl(ToQString(address)));
@@ -139,6 +145,8 @@ constexpr Command kCommands[] = {
     {"mnuNavigationResultsWindow", [](Parts& parts) { parts.views.ShowResultsView(); }},
     {"mnuHistoryView", RunPlain<ViewHistory>},
     {"mnuHistoryClear", RunPlain<ClearHistory>},
+    {"mnuHelpContents", ShowHelp<help_topic::Contents>},
+    {"mnuHelpTroubeshootingGeneral", ShowHelp<help_topic::Troubleshooting>},
     {"mnuHelpTroubleshootingConfigFolder", RunPlain<OpenConfigFolder>},
     {"mnuHelpTroubleshootingWebSite", OpenAddress<kWebPage>},
     {"mnuHelpContactUs", OpenAddress<kSalesAddress>},

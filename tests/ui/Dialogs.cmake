@@ -1,3 +1,3 @@
 quillmarsh_window_test(dialog_tests
-  SOURCES DialogsTest.cpp IconsTest.cpp QtViewsTest.cpp ../platform/posix/TempTree.cpp
+  SOURCES DialogsTest.cpp HelpTest.cpp IconsTest.cpp QtViewsTest.cpp ../platform/posix/TempTree.cpp
   USES platform_posix test_support platform_simulated)

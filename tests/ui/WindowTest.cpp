@@ -139,7 +139,7 @@ TEST_F(WindowTest, EntriesWithoutTheirDialogStayDisabledAlsoAfterASearch) {
   Trigger("mnuOptionsFileType(0)");
   AddFolder(FilesFolder());
   Search();
-  for (const char* name : {"mnuOptionsFilter", "mnuHelpContents", "mnuPopupMediaProperties"})
+  for (const char* name : {"mnuOptionsFilter", "mnuPopupMediaProperties"})
     EXPECT_FALSE(Parts().menus->Entry(QString::fromLatin1(name))->isEnabled()) << name;
   EXPECT_FALSE(Parts().smtSearchToolbar->Button(QStringLiteral("FILTER_KEY"))->isEnabled());
   EXPECT_FALSE(Parts().smtSearchResultsToolbar->Button(QStringLiteral("WIZARD_KEY"))->isEnabled());

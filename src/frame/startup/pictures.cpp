@@ -17,6 +17,7 @@
 #include "platform/posix/PosixMachine.h"
 #include "settings/clsDupeSettings.h"
 #include "ui/Dialogs.h"
+#include "ui/Help.h"
 #include "ui/MainWindowParts.h"
 #include "ui/QtViews.h"
 
@@ -68,6 +69,18 @@ void Settle() {
   for (int i = 0; i < 20; ++i) QApplication::processEvents(QEventLoop::AllEvents, 20);
 }
 
+void TakeHelp(frmFindDuplicates& window, Painter& painter) {
+  for (const auto& [topic, name] :
+       {std::pair(help_topic::Contents, QStringLiteral("help-contents")),
+        std::pair(help_topic::Troubleshooting, QStringLiteral("help-troubleshooting")),
+        std::pair(help_topic::Filters, QStringLiteral("help-filters"))}) {
+    ShowHelpTopic(&window, topic);
+    Settle();
+    if (auto* const help = window.findChild<QWidget*>(QStringLiteral("HelpWindow")))
+      painter.Take(*help, name);
+  }
+}
+
 void TakeAll(frmFindDuplicates& window, Painter& painter) {
   window.resize(1100, 720);
   window.show();
@@ -93,6 +106,7 @@ void TakeAll(frmFindDuplicates& window, Painter& painter) {
   painter.TakeDialog(QStringLiteral("input-box"), [] {
     static_cast<void>(InputBoxText(u"Enter new file name here", u"Rename File", u"beach.jpg"));
   });
+  TakeHelp(window, painter);
 }
 
 }  // namespace
