@@ -2,6 +2,7 @@
 // The helper thread for calls on file systems that may not answer.
 #include "platform/PatientWorker.h"
 
+#include <atomic>
 #include <chrono>
 #include <condition_variable>
 #include <exception>
@@ -17,6 +18,8 @@ namespace {
 constexpr std::chrono::milliseconds AskInterval{10};
 constexpr std::chrono::milliseconds FarewellLimit{200};
 
+std::atomic<int> leftBehind = 0;
+
 }  // namespace
 
 struct PatientWorker::Shared {
@@ -28,6 +31,7 @@ struct PatientWorker::Shared {
   bool done = false;
   bool quit = false;
   bool exited = false;
+  bool isLeftBehind = false;
 };
 
 PatientWorker::~PatientWorker() {
@@ -44,6 +48,10 @@ void PatientWorker::LetGo() {
   const bool free = !shared->busy;
   const bool exited =
       free && shared->changed.wait_for(lock, FarewellLimit, [&] { return shared->exited; });
+  if (!exited) {
+    shared->isLeftBehind = true;
+    ++leftBehind;
+  }
   lock.unlock();
   if (exited)
     mThread.join();
@@ -75,7 +83,12 @@ void PatientWorker::Work(const std::shared_ptr<Shared>& shared) {
     shared->changed.notify_all();
   }
   shared->exited = true;
+  if (shared->isLeftBehind) --leftBehind;
   shared->changed.notify_all();
+}
+
+bool PatientWorker::IsAnyLeftBehind() {
+  return leftBehind > 0;
 }
 
 bool PatientWorker::Run(std::function<void()> job) {

@@ -22,6 +22,8 @@ class PatientWorker {
   // What a job raises is raised here, and what the patience raises too.
   // False when it was given up; the job may still end some day.
   [[nodiscard]] bool Run(std::function<void()> job);
+  // Whether a thread of any worker that was given up still runs.
+  [[nodiscard]] static bool IsAnyLeftBehind();
   // Asks the patience as well, so that the program stays alive, but waits for the end whatever it
   // answers. False when the helper was busy and the job has not been run.
   [[nodiscard]] bool RunToItsEnd(const std::function<void()>& job);

@@ -12,9 +12,8 @@ inline constexpr int Troubleshooting = 2;
 inline constexpr int Filters = 4;
 }  // namespace help_topic
 
-// Whether there is help to show; what would show it is disabled otherwise.
-[[nodiscard]] bool IsHelpThere();
-// Over the window. Only where there is help.
+// Over the window, and with it: the help goes when the window goes. The contents for a number that
+// is no topic's.
 void ShowHelpTopic(QWidget* window, int topic);
 
 }  // namespace quillmarsh

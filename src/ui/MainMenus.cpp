@@ -4,7 +4,6 @@
 
 #include <QActionGroup>
 #include <algorithm>
-#include <iterator>
 
 #include "filetypes/modSearchFileTypes.h"
 #include "selection/RuleTexts.h"
@@ -144,12 +143,6 @@ constexpr MenuRow kPopup[] = {
     {"mnuPopupMediaProperties", 1, Command, {1079}},
 };
 
-// A row goes when its dialog is there.
-constexpr std::string_view kDialogsToCome[] = {
-    "mnuHelpContents",
-    "mnuHelpTroubeshootingGeneral",
-};
-
 // Those of one menu, and then those of the menus below it.
 void GiveAccessKeys(const QList<QAction*>& entries) {
   QString taken;
@@ -175,15 +168,12 @@ std::span<const MenuRow> PopupRows() {
   return kPopup;
 }
 
-bool HasItsDialog(std::string_view nameOrKey) {
-  return std::ranges::find(kDialogsToCome, nameOrKey) == std::end(kDialogsToCome);
-}
-
 MainMenus::MainMenus(QMenuBar& bar, QWidget& window) : QObject(&window), mWindow(window) {
   Fill(bar, kMenuBar);
   Fill(window, kPopup);
   GiveAccessKeys(bar.actions());
   GiveAccessKeys(Menu(QStringLiteral("mnuPopup"))->actions());
+  Entry(QStringLiteral("mnuHelpContents"))->setShortcut(Qt::Key_F1);
   Menu(QStringLiteral("mnuPopup"))->setDefaultAction(Entry(QStringLiteral("mnuPopupViewFile")));
 }
 
@@ -216,7 +206,6 @@ void MainMenus::AddEntry(QWidget& menu, const MenuRow& row) {
   menu.addAction(action);
   mEntries.insert(name, action);
   if (row.kind == Separator) return action->setSeparator(true);
-  action->setEnabled(HasItsDialog(row.name));
   action->setCheckable(row.kind != Command);
   if (row.kind == Choice) {
     // One group for each menu: for the look of radio buttons, not for the behaviour.

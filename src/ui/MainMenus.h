@@ -9,7 +9,6 @@
 #include <QMenuBar>
 #include <QObject>
 #include <span>
-#include <string_view>
 
 #include "frame/TextTable.h"
 
@@ -41,10 +40,6 @@ struct MenuRow {
 
 [[nodiscard]] std::span<const MenuRow> MenuBarRows();
 [[nodiscard]] std::span<const MenuRow> PopupRows();
-
-// False for the menu entries and the keys of tool bars of which the dialog is still to come: they
-// are shown and disabled.
-[[nodiscard]] bool HasItsDialog(std::string_view nameOrKey);
 
 class MainMenus final : public QObject {
   Q_OBJECT

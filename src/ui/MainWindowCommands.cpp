@@ -16,6 +16,7 @@
 #include "settings/OptionsFolder.h"
 #include "ui/Dialogs.h"
 #include "ui/ExcludeListCommands.h"
+#include "ui/Help.h"
 #include "ui/MainWindowParts.h"
 #include "ui/QtText.h"
 #include "ui/RunCommand.h"
@@ -79,6 +80,11 @@ void ChooseDupesFolder(Parts& /*parts*/) {
 void FilterFilesAndFolders(Parts& parts) {
   RunCommand(u"frmFindDuplicates.mnuOptionsFilter_Click",
              [&] { ShowIncludeExcludeDialog(&parts.window); });
+}
+
+template <int topic>
+void ShowHelp(Parts& parts) {
+  RunCommand(u"modHelp.ShowHelpTopic", [&parts] { ShowHelpTopic(&parts.window, topic); });
 }
 
 // The filters follow the masks of the chosen type. Where those have not changed, applying them
@@ -184,6 +190,8 @@ constexpr Command kCommands[] = {
     {"mnuHistoryView", RunPlain<ViewHistory>},
     {"mnuHistoryClear", RunPlain<ClearHistory>},
     {"mnuHelpTroubleshootingAnalyzeFSO", Analyze},
+    {"mnuHelpContents", ShowHelp<help_topic::Contents>},
+    {"mnuHelpTroubeshootingGeneral", ShowHelp<help_topic::Troubleshooting>},
     {"mnuHelpTroubleshootingConfigFolder", RunPlain<OpenConfigFolder>},
     {"mnuHelpTroubleshootingWebSite", RunPlain<OpenWebPage>},
     {"mnuHelpContactUs", RunPlain<OpenMail>},

@@ -92,7 +92,6 @@ void ToolBar::AddButton(const ToolBarItem& item) {
   action->setIconText(caption);
   const QString toolTip = ToQString(item.toolTip.Get());
   action->setToolTip(toolTip.isEmpty() ? caption : toolTip);
-  action->setEnabled(HasItsDialog(item.key));
   connect(action, &QAction::triggered, this, [this, key] { emit Pressed(key); });
   mButtons.insert(key, action);
   auto* const button = qobject_cast<QToolButton*>(widgetForAction(action));
@@ -108,8 +107,7 @@ QToolButton* ToolBar::Button(const QString& key) const {
 }
 
 void ToolBar::SetButtonEnabled(const QString& key, bool isEnabled) {
-  if (QAction* const action = mButtons.value(key))
-    action->setEnabled(isEnabled && HasItsDialog(key.toStdString()));
+  if (QAction* const action = mButtons.value(key)) action->setEnabled(isEnabled);
 }
 
 void ToolBar::SetAllEnabled(bool isEnabled, const QString& exceptKey) {

@@ -7,6 +7,7 @@
 #include <QToolBar>
 #include <QToolButton>
 #include <span>
+#include <string_view>
 
 #include "ui/MainMenus.h"
 
@@ -32,7 +33,6 @@ class ToolBar final : public QToolBar {
 
   // Null for a key that is none.
   [[nodiscard]] QToolButton* Button(const QString& key) const;
-  // A button of which the dialog is still to come stays disabled.
   void SetButtonEnabled(const QString& key, bool isEnabled);
   // All of them, apart from one.
   void SetAllEnabled(bool isEnabled, const QString& exceptKey = {});

@@ -86,7 +86,6 @@ void frmIncludeExclude::MakeButtons(QVBoxLayout& layout) {
   add("mb_CancelButton", 214, QDialogButtonBox::RejectRole);
   QPushButton* const help = add("mb_HelpButton", 427, QDialogButtonBox::HelpRole);
   ok->setDefault(true);
-  help->setEnabled(IsHelpThere());
   connect(ok, &QPushButton::clicked, this, &frmIncludeExclude::mb_OKButton_Click);
   connect(help, &QPushButton::clicked, this, [this] { ShowHelpTopic(this, help_topic::Filters); });
   connect(buttons, &QDialogButtonBox::rejected, this, &QDialog::reject);

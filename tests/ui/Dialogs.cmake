@@ -3,6 +3,7 @@ quillmarsh_window_test(dialog_tests
     DialogsTest.cpp
     FileTypeEditorTest.cpp
     FilterDialogTest.cpp
+    HelpTest.cpp
     IconsTest.cpp
     QtViewsTest.cpp
     SelectionAssistantTest.cpp

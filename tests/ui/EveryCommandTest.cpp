@@ -4,6 +4,7 @@
 #include <QApplication>
 #include <QDesktopServices>
 #include <QTest>
+#include <QTextBrowser>
 
 #include "WindowFixture.h"
 #include "frame/Pickers.h"
@@ -81,6 +82,8 @@ class EveryCommand : public WindowFixture {
                         .arg(Parts().pctResultsContainer->isVisible());
     for (const QAction* action : Parts().window.findChildren<QAction*>())
       state += action->isChecked() ? u'x' : u'-';
+    if (const auto* help = Parts().window.findChild<QTextBrowser*>())
+      state += help->source().toString();
     for (const TextView key : {FILES_SEARCHED, DUPLICATES, FILES_SELECTED}) state += Panel(key);
     return (state + ToQString(gDupeSettings->ExcludeFiles())).toStdString();
   }

@@ -1,7 +1,10 @@
 // SPDX-License-Identifier: MIT
+#include <QApplication>
 #include <QHeaderView>
+#include <QTest>
 
 #include "WindowFixture.h"
+#include "ui/HelpWindow.h"
 
 namespace quillmarsh {
 namespace {
@@ -208,6 +211,69 @@ TEST_F(MenusTest, EveryCaptionIsSetAndEveryStopOfTheKeyboardHasAName) {
     EXPECT_FALSE(widget->accessibleName().isEmpty())
         << widget->metaObject()->className() << ' ' << widget->objectName().toStdString();
   }
+}
+
+HelpWindow* OpenHelp(frmFindDuplicates& window) {
+  QTest::keyClick(&window, Qt::Key_F1);
+  auto* const help = window.findChild<HelpWindow*>();
+  if (help == nullptr) {
+    ADD_FAILURE() << "no help";
+    return nullptr;
+  }
+  EXPECT_TRUE(QTest::qWaitForWindowActive(help));
+  return help;
+}
+
+std::string PageOf(const HelpWindow& help) {
+  return help.findChild<QTextBrowser*>()->source().fileName().toStdString();
+}
+
+TEST_F(MenusTest, F1AndTheHelpMenuOpenTheirTopicsAndTheWindowTakesTheHelpWithIt) {
+  frmFindDuplicates& window = MakeWindow();
+  EXPECT_TRUE(QTest::qWaitForWindowActive(&window));
+  HelpWindow* const help = OpenHelp(window);
+  ASSERT_NE(help, nullptr);
+  EXPECT_EQ(PageOf(*help), "index.html");
+  Parts().menus->Entry(QStringLiteral("mnuHelpTroubeshootingGeneral"))->trigger();
+  EXPECT_EQ(PageOf(*help), "troubleshooting.html");
+  Parts().menus->Entry(QStringLiteral("mnuHelpContents"))->trigger();
+  EXPECT_EQ(PageOf(*help), "index.html");
+  QTimer::singleShot(0, &window, &QWidget::close);
+  QTimer::singleShot(10'000, help, [] { QCoreApplication::exit(1); });
+  EXPECT_EQ(QApplication::exec(), 0) << "the program goes on";
+  EXPECT_FALSE(help->isVisible());
+}
+
+TEST_F(MenusTest, WhileASearchRunsTheHelpStandsThereAndTakesNoInput) {
+  MakePairs(3);
+  frmFindDuplicates& window = MakeWindow();
+  EXPECT_TRUE(QTest::qWaitForWindowActive(&window));
+  HelpWindow* const help = OpenHelp(window);
+  ASSERT_NE(help, nullptr);
+  AddFolder(FilesFolder());
+  auto* const pages = help->findChild<QTextBrowser*>();
+  auto* const field = help->findChild<QLineEdit*>(QStringLiteral("find"));
+  bool isTried = false;
+  Search([&](int) {
+    isTried = true;
+    QTest::keyClick(help, Qt::Key_F1);
+    QTest::keyClicks(field, "file");
+    QTest::mouseClick(help->findChild<QPushButton*>(QStringLiteral("findNext")), Qt::LeftButton);
+    QTest::keyClick(pages, Qt::Key_PageDown);
+    EXPECT_TRUE(help->isVisible());
+  });
+  EXPECT_TRUE(isTried);
+  EXPECT_EQ(field->text(), "");
+  EXPECT_FALSE(pages->textCursor().hasSelection());
+  EXPECT_EQ(Panel(DUPLICATES).left(12), "Duplicates:6");
+  QTest::keyClicks(field, "file");
+  EXPECT_TRUE(pages->textCursor().hasSelection());
+
+  // Closing is no input.
+  Search([&](int pump) {
+    if (pump == 2) help->close();
+  });
+  EXPECT_FALSE(help->isVisible());
 }
 
 }  // namespace

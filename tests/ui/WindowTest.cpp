@@ -134,19 +134,6 @@ TEST_F(WindowTest, MenuAndListFollowEachOtherAndWarnOnce) {
   EXPECT_EQ(gDupeSettings->RemoveMethod(), RemoveMethod::Recycle);
 }
 
-TEST_F(WindowTest, EntriesWithoutTheirDialogStayDisabledAlsoAfterASearch) {
-  MakeWindow();
-  MakePairs(1);
-  Trigger("mnuOptionsFileType(0)");
-  AddFolder(FilesFolder());
-  Search();
-  for (const char* name : {"mnuHelpContents", "mnuHelpTroubeshootingGeneral"})
-    EXPECT_FALSE(Parts().menus->Entry(QString::fromLatin1(name))->isEnabled()) << name;
-  EXPECT_TRUE(Parts().smtSearchToolbar->Button(QStringLiteral("FILTER_KEY"))->isEnabled());
-  EXPECT_TRUE(Parts().smtSearchResultsToolbar->Button(QStringLiteral("WIZARD_KEY"))->isEnabled());
-  EXPECT_TRUE(Parts().smtSearchResultsToolbar->Button(QStringLiteral("REMOVE_KEY"))->isEnabled());
-}
-
 TEST_F(WindowTest, WhatTheDesktopHasNoProgramForIsToldWithItsPlace) {
   qunsetenv("DISPLAY");
   qunsetenv("WAYLAND_DISPLAY");

@@ -22,6 +22,7 @@
 #include "selection/clsMarkForRemovalWizard.h"
 #include "settings/clsDupeSettings.h"
 #include "ui/Dialogs.h"
+#include "ui/Help.h"
 #include "ui/MainWindowParts.h"
 #include "ui/QtText.h"
 #include "ui/QtViews.h"
@@ -92,6 +93,18 @@ void TakeAnalysis(frmFindDuplicates& window, Painter& painter) {
   painter.Take(form, QStringLiteral("analyze"));
 }
 
+void TakeHelp(frmFindDuplicates& window, Painter& painter) {
+  for (const auto& [topic, name] :
+       {std::pair(help_topic::Contents, QStringLiteral("help-contents")),
+        std::pair(help_topic::Troubleshooting, QStringLiteral("help-troubleshooting")),
+        std::pair(help_topic::Filters, QStringLiteral("help-filters"))}) {
+    ShowHelpTopic(&window, topic);
+    Settle();
+    if (auto* const help = window.findChild<QWidget*>(QStringLiteral("HelpWindow")))
+      painter.Take(*help, name);
+  }
+}
+
 void TakeAll(frmFindDuplicates& window, Painter& painter) {
   window.resize(1100, 720);
   window.show();
@@ -137,6 +150,7 @@ void TakeAll(frmFindDuplicates& window, Painter& painter) {
   painter.TakeDialog(QStringLiteral("input-box"), [] {
     static_cast<void>(InputBoxText(u"Enter new file name here", u"Rename File", u"beach.jpg"));
   });
+  TakeHelp(window, painter);
 }
 
 }  // namespace
