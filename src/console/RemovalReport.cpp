@@ -60,9 +60,6 @@ void RemovalReport::Begin() {
 
 void RemovalReport::Add(const RemovalEntry& entry) {
   if (const char* const outcome = OutcomeOf(entry)) {
-    if (entry.isDeletedForGood)
-      AddFreeTextToLog(u"The Recycle Bin refused it, so it was deleted for good: " +
-                       TheMachine().Drives().ShownPath(entry.fileSpec));
     Write(outcome, entry.fileSpec, entry.target, {});
   } else if (entry.fileSpec != mLastLeft) {
     Write(kLeft, entry.fileSpec, {}, ReasonOf(entry));

@@ -147,20 +147,21 @@ bool cFileRemoval::Recycle(TextView fileSpec) {
   std::int32_t errorNumber = 0;
   Text errorText;
   const bool isSent = SendFileToRecycleBin(fileSpec, errorNumber, errorText);
-  if (isSent)
-    AddEntry({log_kind::FileSentToRecycleBin,
-              Text(fileSpec),
-              {},
-              0,
-              {},
-              FSXFSO_WasLastDeletePermanent()});
-  else
+  if (!isSent) {
     AddEntry({log_kind::DeleteError,
               Text(fileSpec),
               {},
               static_cast<std::uint32_t>(errorNumber),
               errorText});
-  return isSent;
+    return false;
+  }
+  const bool isDeletedForGood = FSXFSO_WasLastDeletePermanent();
+  AddEntry({log_kind::FileSentToRecycleBin, Text(fileSpec), {}, 0, {}, isDeletedForGood});
+  if (isDeletedForGood) {
+    mDeletedForGoodCount += 1;
+    AddFreeTextToLog(u"The Recycle Bin refused it, so it was deleted for good: " + Shown(fileSpec));
+  }
+  return true;
 }
 
 // Where nobody knows the folder yet, making it fails like any other.

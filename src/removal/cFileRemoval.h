@@ -25,6 +25,8 @@ class cFileRemoval {
   // `result` true: the file is gone from its place. False: it is where it was. Also true, with
   // nothing done, for a method number that has no meaning. `dupesFolder` with a final backslash.
   void RemoveFile(TextView fileSpec, TextView dupesFolder, bool& result);
+  // Of those that were to go to the Recycle Bin, how many it refused and so are nowhere.
+  [[nodiscard]] std::int32_t DeletedForGoodCount() const { return mDeletedForGoodCount; }
 
  private:
   [[nodiscard]] bool Delete(TextView fileSpec);
@@ -43,6 +45,7 @@ class cFileRemoval {
   const Text mOtherFolder;
   RemovalGuard* const mGuard;
   const RemovalListener mListener;
+  std::int32_t mDeletedForGoodCount = 0;
   Text mProvidedFolder;  // was there when it was looked at last
   // By file name, the last name that a file of it was given in the other folder.
   std::unordered_map<Text, Text> mLastNames;

@@ -104,6 +104,7 @@ void cRemovalRun::RemoveMarkedFilesAllGroups(bool listOnly, RemovalGuard* guard)
     SetPanel(PANEL1, LoadResString(381) + u"...");
     RemoveMarked(walk);
   });
+  walk.outcome.deletedForGoodCount = walk.removal.DeletedForGoodCount();
   Close();
   TellEnd(walk.outcome, confirmedCount);
 }
@@ -293,23 +294,35 @@ void cRemovalRun::Close() {
   });
 }
 
+// What a person does not expect, as further lines of the closing message.
+Text cRemovalRun::NotesOf(const Outcome& outcome) {
+  const std::pair<TextView, std::int32_t> notes[] = {
+      {u"Files left in their places, since they or the copies that were to stay have changed since "
+       u"the search: ",
+       outcome.refusedCount},
+      {u"Files that the Recycle Bin refused, so that they were deleted for good: ",
+       outcome.deletedForGoodCount}};
+  Text text;
+  for (const auto& [note, count] : notes) {
+    if (count > 0)
+      text += Text(kLineBreak) + Text(kLineBreak) + Text(note) +
+              FormatGrouped(std::int64_t{count}, GetLocaleFacts());
+  }
+  return text;
+}
+
 // After the guidelines, which name no number, and where nothing was confirmed, a run ends without a
-// word, unless files were kept back that a person believes gone.
-void cRemovalRun::TellEnd(const Outcome& outcome, std::int32_t confirmedCount) const {
+// word, unless there is something that a person does not expect.
+void cRemovalRun::TellEnd(const Outcome& outcome, std::int32_t confirmedCount) {
+  const Text notes = NotesOf(outcome);
   if (gUserAbort) {
-    ShowMessageBox({LoadResString(382), LoadResString(383), MessageBoxIcon::Information});
-  } else if (outcome.refusedCount > 0) {
-    ShowMessageBox({LoadResString(384) + Text(kLineBreak) + Text(kLineBreak) +
-                        u"Files left in their places, since they or the copies that were to stay "
-                        u"have changed since the search: " +
-                        FormatGrouped(std::int64_t{outcome.refusedCount}, GetLocaleFacts()),
-                    LoadResString(385), MessageBoxIcon::Exclamation});
-  } else if (confirmedCount == 0) {
+    ShowMessageBox({LoadResString(382) + notes, LoadResString(383), MessageBoxIcon::Information});
+  } else if (confirmedCount == 0 && notes.empty()) {
     return;
   } else if (outcome.failedCount > 0 || outcome.isFailed) {
-    ShowMessageBox({LoadResString(384), LoadResString(385), MessageBoxIcon::Exclamation});
+    ShowMessageBox({LoadResString(384) + notes, LoadResString(385), MessageBoxIcon::Exclamation});
   } else {
-    ShowMessageBox({LoadResString(386), LoadResString(387), MessageBoxIcon::Information});
+    ShowMessageBox({LoadResString(386) + notes, LoadResString(387), MessageBoxIcon::Information});
   }
 }
 

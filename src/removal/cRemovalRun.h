@@ -20,7 +20,8 @@ class cRemovalRun {
     std::int32_t removedCount = 0;
     Currency removedSize;  // bytes, of files whose size is known
     std::int32_t failedCount = 0;
-    std::int32_t refusedCount = 0;  // of the failed ones, those that the guard refused
+    std::int32_t refusedCount = 0;         // of the failed ones, those that the guard refused
+    std::int32_t deletedForGoodCount = 0;  // of the removed ones, those that the bin refused
     bool isStopped = false;
     bool isRefused = false;  // another removal is running; nothing was done
     bool isFailed = false;   // by what was reported as an error of the program
@@ -59,7 +60,8 @@ class cRemovalRun {
   static void SaveHistoryIfDue(Walk& walk);
   void TakeOutOfGroup(std::int32_t group, std::int32_t record, std::int32_t remainingInGroup);
   void Close();
-  void TellEnd(const Outcome& outcome, std::int32_t confirmedCount) const;
+  [[nodiscard]] static Text NotesOf(const Outcome& outcome);
+  static void TellEnd(const Outcome& outcome, std::int32_t confirmedCount);
 
   cSearchResults& mResults;
   clsDupeSettings& mSettings;

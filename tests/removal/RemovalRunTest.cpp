@@ -194,6 +194,17 @@ TEST_F(RemovalRun, AFileThatCannotGoStaysMarkedInItsGroup) {
   EXPECT_TRUE(other.machine.Exists(PathOf(u"1\\x")));
 }
 
+TEST_F(RemovalRun, WhatTheBinRefusedIsToldToBeGoneForGood) {
+  Mark({u"1\\b", u"1\\c"});
+  program->machine.SetBinAnswer(120);
+  EXPECT_EQ(
+      Run(RemoveMethod::Recycle, {Yes, Ok}).back(),
+      std::string(kCompleted) +
+          "\r\n\r\nFiles that the Recycle Bin refused, so that they were deleted for good: 2");
+  EXPECT_EQ(Kinds(), "2 5 17 5 17 3");
+  EXPECT_FALSE(Exists(u"1\\b"));
+}
+
 TEST_F(RemovalRun, EscEndsItBehindTheFileThatWasUnderWay) {
   Mark({u"1\\a", u"2\\a", u"1\\c"});
   program->hook.RunAfter({Operation::DeleteFileW, 1}, [] { gUserAbort = true; });
