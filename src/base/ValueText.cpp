@@ -115,6 +115,24 @@ Text FromLocaleForm(TextView text, const LocaleFacts& locale) {
   return plain;
 }
 
+// Whether each separator in front of the decimal one has three digits behind it, and one to three
+// digits before the first.
+bool IsGrouped(TextView text, const LocaleFacts& locale) {
+  const TextView separator = locale.thousandsSeparator;
+  TextView whole = text;
+  if (!locale.decimalSeparator.empty()) whole = text.substr(0, text.find(locale.decimalSeparator));
+  if (separator.empty() || whole.find(separator) == TextView::npos) return true;
+  bool isFirst = true;
+  while (true) {
+    const std::size_t end = whole.find(separator);
+    const std::size_t digits = end == TextView::npos ? whole.size() : end;
+    if (isFirst ? digits < 1 || digits > 3 : digits != 3) return false;
+    if (end == TextView::npos) return true;
+    whole.remove_prefix(end + separator.size());
+    isFirst = false;
+  }
+}
+
 // The number without its sign in the plain form; empty for no number.
 std::string DigitsOf(TextView text, const LocaleFacts& locale) {
   std::string plain = PlainNumber(text);
@@ -262,6 +280,13 @@ std::optional<double> NumberFromText(TextView text, const LocaleFacts& locale) {
   if (digits.empty()) return std::nullopt;
   const double value = std::strtod(digits.c_str(), nullptr);
   return number.isNegative ? -value : value;
+}
+
+Text FixedFormOfTyped(TextView text, const LocaleFacts& locale) {
+  const TextView trimmed = TrimBlanks(text);
+  if (!IsGrouped(trimmed, locale)) return Text(text);
+  const Text plain = FromLocaleForm(trimmed, locale);
+  return PlainNumber(plain).empty() ? Text(text) : plain;
 }
 
 std::int32_t LongFromText(TextView text, const LocaleFacts& locale) {

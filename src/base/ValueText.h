@@ -16,6 +16,11 @@ namespace quillmarsh {
 // do not count. None for anything else, dates among it.
 [[nodiscard]] std::optional<double> NumberFromText(TextView text, const LocaleFacts& locale);
 
+// What a person has typed into a field, in the fixed form that the others read: where the locale's
+// separators stand in groups of three digits, as in "1.500,5", they are taken for what they mean
+// there. The text itself where they do not.
+[[nodiscard]] Text FixedFormOfTyped(TextView text, const LocaleFacts& locale);
+
 // Rounded half to even. Error 13 for a text that is no number, 6 out of range.
 [[nodiscard]] std::int32_t LongFromText(TextView text, const LocaleFacts& locale);
 // Exact for plain decimals. The same errors.

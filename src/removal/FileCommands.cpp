@@ -2,10 +2,14 @@
 // Each command looks for its file first and says so where there is none.
 #include "removal/FileCommands.h"
 
+#include <algorithm>
+
 #include "base/TextEquality.h"
 #include "frame/CommandScope.h"
 #include "frame/ErrorReporting.h"
 #include "frame/Pickers.h"
+#include "frame/ProgramFlags.h"
+#include "frame/RunCommand.h"
 #include "frame/TextTable.h"
 #include "frame/Views.h"
 #include "fsobjects/cFSXFileSystemObject.h"
@@ -23,12 +27,6 @@ constexpr std::int32_t kNoRecord = 0;
 constexpr std::uint32_t kPropertiesMask =
     SEE_MASK_INVOKEIDLIST | SEE_MASK_NOCLOSEPROCESS | SEE_MASK_FLAG_NO_UI | SEE_MASK_UNICODE;
 static_assert(kPropertiesMask == 17484);
-
-template <typename Body>
-void RunCommand(TextView source, Body&& body) {
-  const CommandScope command;
-  if (command.IsEntered()) Guarded(source, body);
-}
 
 Text Shown(TextView path) {
   return TheMachine().Drives().ShownPath(path);
@@ -90,12 +88,22 @@ Text cFileCommands::GetSelectedFileName() const {
 }
 
 void cFileCommands::RenameListItem(std::int32_t position, TextView oldName, TextView newName) {
-  RunCommand(u"frmFindDuplicates.RenameListItem", [&] { Rename(position, oldName, newName); });
+  RunCommand(u"frmFindDuplicates.RenameListItem",
+             [&] { Rename(RecordAt(position), oldName, newName); });
 }
 
-void cFileCommands::Rename(std::int32_t position, TextView oldName, TextView newName) {
-  const std::int32_t index = RecordAt(position);
+void cFileCommands::RenameRecord(std::int32_t record, TextView oldName, TextView newName) {
+  RunCommand(u"frmFindDuplicates.RenameListItem", [&] {
+    if (record < 1 || record > mResults.RecordCount() || mResults.IsTakenOut(record)) return;
+    if (Shown(mResults.NameOf(mResults.Record(record))) != Shown(oldName)) return;
+    Rename(record, oldName, newName);
+  });
+}
+
+void cFileCommands::Rename(std::int32_t index, TextView oldName, TextView newName) {
   if (index == kNoRecord || CompareIgnoringCase(Shown(oldName), Shown(newName)) == 0) return;
+  // A stop of an earlier command is none of this one.
+  gUserAbort = false;
   const BusyPointer busy;
   const Text folder = GetFolderPathByIdx(mResults.Record(index).ParentFolderIdx);
   if (folder.empty()) return;
@@ -109,11 +117,9 @@ void cFileCommands::Rename(std::int32_t position, TextView oldName, TextView new
   // A refusal shows itself by the name that stays.
   const Text oldPath = mResults.FullPathOf(mResults.Record(index));
   if (!TheMachine().Disk().MoveFileW(ToLongPath(oldPath), ToLongPath(newPath))) return;
-  // Waiting for the disk pumps, and a window that is closed meanwhile empties its lists.
-  if (RecordAt(position) != index) return;
   // By what the groups were made of, whatever is chosen for the next search.
   if (mResults.mCriteria.namesMatch) {
-    TakeRenamedOut(position, name);
+    TakeRenamedOut(index, name);
   } else {
     mResults.SetName(index, name);
     mResults.ulvwDupeDetails.TellItemsChanged();
@@ -122,9 +128,13 @@ void cFileCommands::Rename(std::int32_t position, TextView oldName, TextView new
 
 // The record keeps its name, which may be the one by which its group is listed; only where a stop
 // left the file in its group is it told by the new one.
-void cFileCommands::TakeRenamedOut(std::int32_t position, TextView newName) {
-  const std::int32_t index = RecordAt(position);
-  mSelection.MarkFile(position);
+void cFileCommands::TakeRenamedOut(std::int32_t index, TextView newName) {
+  const std::vector<std::int32_t>& listed = mResults.ulvwDupeDetails.Items();
+  const auto row = std::ranges::find(listed, index);
+  if (row != listed.end())
+    mSelection.MarkFile(static_cast<std::int32_t>(row - listed.begin()));
+  else
+    mResults.mFileMarked[static_cast<std::size_t>(index) - 1] = true;
   cRemovalRun(mResults, mSettings, mRemoval, mResults.mFilesSearched)
       .RemoveMarkedFilesAllGroups(true);
   if (mResults.IsTakenOut(index)) return;
@@ -137,7 +147,7 @@ void cFileCommands::mnuFileRenameFile_Click() {
     const Text name = Shown(GetSelectedFileName());
     if (name.empty()) return TellNoFile(361);
     const Text answer = InputBoxText(LoadResString(245), LoadResString(361), name);
-    if (!answer.empty()) Rename(mResults.ulvwDupeDetails.SelectedPosition(), name, answer);
+    if (!answer.empty()) Rename(SelectedRecord(), name, answer);
   });
 }
 

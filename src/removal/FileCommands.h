@@ -26,6 +26,9 @@ class cFileCommands {
   // criteria the file leaves the lists, since it is no duplicate any more, and so do all marked
   // files. Does nothing while another command runs.
   void RenameListItem(std::int32_t position, TextView oldName, TextView newName);
+  // The same for a record (from 1), which need not be listed any more when its new name comes. Does
+  // nothing where the record has another name than the old one, or has left its group.
+  void RenameRecord(std::int32_t record, TextView oldName, TextView newName);
 
   void mnuFileRenameFile_Click();
   void mnuFileViewSelected_Click();
@@ -36,8 +39,8 @@ class cFileCommands {
   // The record (from 1) of the selected row; 0 without one.
   [[nodiscard]] std::int32_t SelectedRecord() const;
   [[nodiscard]] std::int32_t RecordAt(std::int32_t position) const;
-  void Rename(std::int32_t position, TextView oldName, TextView newName);
-  void TakeRenamedOut(std::int32_t position, TextView newName);
+  void Rename(std::int32_t index, TextView oldName, TextView newName);
+  void TakeRenamedOut(std::int32_t index, TextView newName);
   void OpenInContainingFolder(std::int32_t position) const;
 
   cSearchResults& mResults;

@@ -85,15 +85,17 @@ bool IsRemote(const Text& path) {
 }
 
 // One entry that is reached by two paths, as when a server's folder is mounted twice, would be its
-// own duplicate. A second link to a file is none: what is left of it keeps the contents.
-bool AreOneEntry(const Text& path, const Text& other) {
+// own duplicate. A second link to a file is none: what is left of it keeps the contents. Empty
+// where the two are known to be two.
+Text WhyNotTwoEntries(const Text& path, const Text& other) {
   const Look first = LookAt(path);
   const Look second = LookAt(other);
-  if (!first.entry || !second.entry) return false;
+  if (!first.entry) return first.problem;
+  if (!second.entry) return second.problem;
   // Most copies show that they are two by their times, without being opened.
   if (first.entry->ftCreationTime != second.entry->ftCreationTime ||
       first.entry->ftLastWriteTime != second.entry->ftLastWriteTime)
-    return false;
+    return {};
   const RedirectionOff redirection;
   const FileHandle here(OpenToRead(path));
   const FileHandle there(OpenToRead(other));
@@ -102,13 +104,14 @@ bool AreOneEntry(const Text& path, const Text& other) {
   if (!here.IsValid() || !there.IsValid() ||
       !TheMachine().Files().GetFileInformationByHandle(here.Get(), a) ||
       !TheMachine().Files().GetFileInformationByHandle(there.Get(), b))
-    return false;
+    return u"it cannot be told from the copy that stays: " + ReasonOfLastError();
   // One folder of a server that is mounted twice may show as two volumes; two disks of one kind may
   // number their files alike.
   const bool isOneVolume =
       a.dwVolumeSerialNumber == b.dwVolumeSerialNumber || IsRemote(path) || IsRemote(other);
-  return isOneVolume && a.nFileIndexHigh == b.nFileIndexHigh &&
-         a.nFileIndexLow == b.nFileIndexLow && a.nNumberOfLinks <= 1;
+  const bool isOne = isOneVolume && a.nFileIndexHigh == b.nFileIndexHigh &&
+                     a.nFileIndexLow == b.nFileIndexLow && a.nNumberOfLinks <= 1;
+  return isOne ? u"the copy that stays is this file itself" : u"";
 }
 
 // Empty where both have the same bytes.
@@ -149,7 +152,7 @@ void VerifyingGuard::FindKeepers(std::int32_t group) {
 
 Text VerifyingGuard::WhyNotCopyOf(const Text& fileSpec, std::int32_t keeper) const {
   const Text other = mResults.FullPathOf(mResults.Record(keeper));
-  if (AreOneEntry(fileSpec, other)) return u"the copy that stays is this file itself";
+  if (Text reason = WhyNotTwoEntries(fileSpec, other); !reason.empty()) return reason;
   if (!mResults.mCriteria.contentsMatch) return {};
   const Text reason = WhyNotSameBytes(fileSpec, other);
   return reason.empty() ? reason

@@ -112,6 +112,7 @@ void cRemovalRun::RemoveMarkedFilesAllGroups(bool listOnly, RemovalGuard* guard)
 cRemovalRun::Outcome cRemovalRun::RemoveWithoutAsking(RemovalGuard* guard,
                                                       RemovalListener listener) {
   const CommandScope command;
+  if (command.IsEntered()) gUserAbort = false;
   const StoppablePart stoppable;
   const RemovalLock lock(mResults);
   if (!command.IsEntered() || lock.IsHeldByAnother()) {
@@ -181,7 +182,6 @@ void cRemovalRun::RemoveMarked(Walk& walk) {
   mView.DisableUIForRemoval();
   if (gViews.status != nullptr) gViews.status->ShowProgress(mResults.mDupeFileCount);
   AddToLog(log_kind::BeginRemoval);
-  gUserAbort = false;
   gFSOCancelled = false;
   const cResultsList& list = mResults.ulvwDupeGroups;
   for (std::int32_t position = 0; position < list.Count(); ++position) {

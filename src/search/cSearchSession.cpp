@@ -150,6 +150,9 @@ void cSearchSession::SetStatusForNewSearch() {
   SetPanel(PANEL1, LoadResString(323) + u"...");
   DoEvents_Fast();
   ClearListviews();
+  // What is not listed is not selected either.
+  mResults.ClearGroups();
+  mResults.mFileMarked.assign(mResults.mFileMarked.size(), false);
   SetPanel(PANEL1, {});
   SetPanel(PANEL2, {});
   SetPanel(FILES_SEARCHED, LoadResString(1120) + u":0");

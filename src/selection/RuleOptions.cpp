@@ -69,6 +69,14 @@ RuleProblem CheckFileMask(const Text& mask) {
   return problem(notValid + LoadResString(609) + lineBreak + lineBreak + LoadResString(610));
 }
 
+// As a person would type it.
+Text ShownSize(Currency size) {
+  Text text = size.ToText();
+  if (const std::size_t point = text.find(u'.'); point != Text::npos)
+    text.replace(point, 1, GetLocaleFacts().decimalSeparator);
+  return text;
+}
+
 const Text& Trimmed(Text& text) {
   return text = Text(TrimBlanks(text));
 }
@@ -100,7 +108,7 @@ RuleProblem ValidateRuleOptions(std::int32_t rule, RuleControls& controls) {
     case RuleParameter::Folder:
       return CheckFolder(Trimmed(controls.folderSpec), controls.knownFolderSpec);
     case RuleParameter::Size:
-      return CheckFileSize(Trimmed(controls.fileSize));
+      return CheckFileSize(FixedFormOfTyped(Trimmed(controls.fileSize), GetLocaleFacts()));
     case RuleParameter::Mask:
       return CheckFileMask(Trimmed(controls.fileMask));
     default:
@@ -118,7 +126,8 @@ void SaveControlsToOptions(const RuleControls& controls, clsMarkForRemovalWizard
     // A size must not be multiplied by the unit of the one before it.
     saved.SetFileSize({});
     saved.SetSizeIncrement(controls.sizeIncrement);
-    saved.SetFileSize(CurrencyFromText(controls.fileSize, GetLocaleFacts()));
+    saved.SetFileSize(
+        CurrencyFromText(FixedFormOfTyped(controls.fileSize, GetLocaleFacts()), GetLocaleFacts()));
   });
   saved.mLastModifiedDate = controls.lastModifiedDate;
   saved.mFileMask = MaskFromTyped(controls.fileMask);
@@ -133,7 +142,7 @@ RuleControls LoadControlsFromOptions(const clsMarkForRemovalWizard& options) {
   controls.folderSpec = TheMachine().Drives().ShownPath(options.mFolderSpec);
   controls.knownFolderSpec = options.mFolderSpec;
   controls.includeSubFolders = options.mIncludeSubFolders;
-  controls.fileSize = options.FileSize().ToText();
+  controls.fileSize = ShownSize(options.FileSize());
   controls.sizeIncrement = options.SizeIncrement();
   controls.lastModifiedDate = options.mLastModifiedDate;
   controls.fileMask = ShownMask(options.mFileMask);

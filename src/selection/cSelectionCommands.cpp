@@ -5,6 +5,7 @@
 #include "frame/CommandScope.h"
 #include "frame/ErrorReporting.h"
 #include "frame/Pump.h"
+#include "frame/RunCommand.h"
 #include "frame/TextTable.h"
 #include "frame/Views.h"
 #include "fsobjects/modPaths.h"
@@ -17,12 +18,6 @@
 namespace quillmarsh {
 
 namespace {
-
-template <typename Body>
-void RunCommand(TextView source, Body&& body) {
-  const CommandScope command;
-  if (command.IsEntered()) Guarded(source, body);
-}
 
 Text HandlerSource(TextView handler) {
   return u"frmFindDupes." + Text(handler);

@@ -43,7 +43,7 @@ class frmSearchSummary final : public DialogFrame {
     AddFact(QStringLiteral("lblDupesSizeLabel"), 725, QStringLiteral("lblDupesSize"),
             ShortSize(summary.TotalSizeOfDupes));
     AddLine();
-    AddBoldText(QStringLiteral("lblNextStepLabel"), TableText(726) + QLatin1Char(':'));
+    AddBoldText(QStringLiteral("lblNextStepLabel"), TableText(726));
     AddText(QStringLiteral("lblNextStep"), TableText(727));
     AddText(QStringLiteral("lblNextStepDescription"), TableText(728));
     AddSpace();

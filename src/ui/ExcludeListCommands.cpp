@@ -32,18 +32,25 @@ void AddToExcludeList(const Text& mask, clsDupeSettings& settings, TextId title,
   settings.SetExcludeFiles(list);
 }
 
+// A semicolon parts the masks of one entry; in a name it is one letter of any kind.
+Text AsMask(TextView name) {
+  Text mask(name);
+  std::ranges::replace(mask, u';', u'?');
+  return mask;
+}
+
 }  // namespace
 
 void mnuFileAddFileToExcludeList_Click(TextView fileName, clsDupeSettings& settings) {
   if (fileName.empty()) return Tell(LoadResString(326), 331);
-  AddToExcludeList(Text(fileName), settings, 333, 334, 332);
+  AddToExcludeList(AsMask(fileName), settings, 333, 334, 332);
 }
 
 void mnuFileAddFileExtensionToExcludeList_Click(TextView fileName, clsDupeSettings& settings) {
   if (fileName.empty()) return Tell(LoadResString(326), 327);
   const Text extension = SplitNameAndExtension(fileName).extension;
   if (extension.empty()) return Tell(LoadResString(328), 327);
-  AddToExcludeList(u"*." + extension, settings, 327, 496, 329);
+  AddToExcludeList(u"*." + AsMask(extension), settings, 327, 496, 329);
 }
 
 }  // namespace quillmarsh

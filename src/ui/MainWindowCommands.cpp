@@ -6,6 +6,7 @@
 #include "filetypes/SearchFileTypeFilters.h"
 #include "frame/CommandScope.h"
 #include "frame/ProgramFlags.h"
+#include "frame/RunCommand.h"
 #include "frame/TextTable.h"
 #include "platform/Machine.h"
 #include "removal/DuplicatesExport.h"
@@ -19,7 +20,6 @@
 #include "ui/Help.h"
 #include "ui/MainWindowParts.h"
 #include "ui/QtText.h"
-#include "ui/RunCommand.h"
 #include "ui/frmGetFSObjectProperties.h"
 #include "ui/frmMediaInfo.h"
 
@@ -92,9 +92,12 @@ void ShowHelp(Parts& parts) {
 void EditFileTypes(Parts& parts) {
   RunCommand(u"frmFindDuplicates.mnuOptionsEditFileTypes_Click", [&] {
     const std::int32_t chosen = gDupeSettings->FileType();
-    const Text before = MasksOfSearchFileType(chosen);
+    const auto masks = [chosen] {
+      return chosen >= 1 && chosen <= 4 ? MasksOfSearchFileType(chosen) : Text();
+    };
+    const Text before = masks();
     ShowEditCFTListDialog(&parts.window);
-    if (!parts.isUnloaded && MasksOfSearchFileType(chosen) != before)
+    if (!parts.isUnloaded && masks() != before)
       PopulateIncludeExcludeFiltersBasedOnSearchFileType(chosen);
   });
 }

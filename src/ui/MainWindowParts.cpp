@@ -6,11 +6,11 @@
 #include "frame/CommandScope.h"
 #include "frame/ErrorReporting.h"
 #include "frame/Pickers.h"
+#include "frame/RunCommand.h"
 #include "frame/TextTable.h"
 #include "ui/AccessKeys.h"
 #include "ui/MainWindowParts.h"
 #include "ui/QtText.h"
-#include "ui/RunCommand.h"
 
 namespace quillmarsh {
 
@@ -164,7 +164,7 @@ void ConnectResultsView(Parts& parts) {
   QObject::connect(parts.ulvwDupeGroups, &GroupList::RowSelected, &parts.window,
                    [&parts](int position) {
                      if (position < 0 || CommandScope::IsRunning()) return;
-                     const BusyPointer busy;
+                     // Without a pump, in which the rows could move under the position.
                      parts.results.DisplayDupeGroupDetails(
                          parts.results.ulvwDupeGroups.ItemData(position), false);
                    });
@@ -183,12 +183,12 @@ void ConnectResultsView(Parts& parts) {
                    [&parts](int position, bool isChecked) {
                      parts.selection.DetailCheckBoxChanged(position, isChecked);
                    });
-  // The editor has to be gone before the list may change under it.
+  // The editor has to be gone before the list may change under it; by then another group may be
+  // shown.
   QObject::connect(
       &details, &DetailsModel::NameEdited, &parts.window,
-      [&parts](int position, const QString& name) {
-        const Text oldName = parts.results.ulvwDupeDetails.CellText(position, 0);
-        parts.files.RenameListItem(position, oldName, FromQString(name));
+      [&parts](int record, const QString& oldName, const QString& name) {
+        parts.files.RenameRecord(record, FromQString(oldName), FromQString(name));
       },
       Qt::QueuedConnection);
 }

@@ -10,6 +10,7 @@
 #include "frame/TextTable.h"
 #include "search/results/DetailColumns.h"
 #include "selection/MarkedFiles.h"
+#include "ui/PlainToolTip.h"
 #include "ui/QtText.h"
 
 namespace quillmarsh {
@@ -25,13 +26,6 @@ QStringList DetailHeadings() {
   for (int column = 0; column + 1 < GetDupeDetailColCount(); ++column)
     headings += ToQString(GetDupeDetailColLabelFromColNumber(column));
   return headings;
-}
-
-// A name is nobody's markup: what looks like it is shown as it stands.
-QString AsToolTip(const QString& text) {
-  if (!Qt::mightBeRichText(text)) return text;
-  return QStringLiteral("<p style=\"white-space:pre-wrap\">") + text.toHtmlEscaped() +
-         QStringLiteral("</p>");
 }
 
 }  // namespace
@@ -98,7 +92,7 @@ QVariant ResultsModel::data(const QModelIndex& index, int role) const {
     case Qt::DisplayRole:
       return CellAt(index);
     case Qt::ToolTipRole:
-      return AsToolTip(CellAt(index));
+      return PlainToolTip(CellAt(index));
     case Qt::TextAlignmentRole:
       return static_cast<int>((IsNumber(index.column()) ? Qt::AlignRight : Qt::AlignLeft) |
                               Qt::AlignVCenter);
@@ -161,7 +155,7 @@ QVariant GroupsModel::data(const QModelIndex& index, int role) const {
   if (role == Qt::AccessibleTextRole)
     return index.column() == 0 ? QVariant(CellAt(index) + QStringLiteral(". ") + warning)
                                : QVariant();
-  return AsToolTip(CellAt(index) + QLatin1Char('\n') + warning);
+  return PlainToolTip(CellAt(index) + QLatin1Char('\n') + warning);
 }
 
 DetailsModel::DetailsModel(cSearchResults& results, QObject* parent)
@@ -198,7 +192,8 @@ bool DetailsModel::setData(const QModelIndex& index, const QVariant& value, int 
   if (role != Qt::EditRole) return false;
   const QString name = value.toString();
   if (name.isEmpty() || name == CellAt(index)) return false;
-  emit NameEdited(index.row(), name);
+  const std::int32_t record = mResults.ulvwDupeDetails.ItemData(index.row());
+  emit NameEdited(record, ToQString(mResults.NameOf(mResults.Record(record))), name);
   return true;
 }
 

@@ -82,7 +82,7 @@ class DetailsModel final : public ResultsModel {
 
  signals:
   void CheckBoxChanged(int position, bool isChecked);
-  void NameEdited(int position, const QString& newName);
+  void NameEdited(int record, const QString& oldName, const QString& newName);
 
  private:
   [[nodiscard]] bool IsNumber(int column) const override;

@@ -27,19 +27,26 @@ void WriteOutHistory() {
   gLog->ResetInMemoryLog();
 }
 
-// Nobody is asked anything while one lives.
+// Nobody is asked anything while one lives, and no other command begins.
 class Silence {
  public:
-  Silence() : mViews(gViews) {
+  explicit Silence(const bool& isUnloaded) : mIsUnloaded(isUnloaded) {
     gViews.messages = nullptr;
     gViews.inputBox = nullptr;
   }
-  ~Silence() { gViews = mViews; }
+  // A window that was closed meanwhile stays silent.
+  ~Silence() {
+    if (mIsUnloaded) return;
+    gViews.messages = mViews.messages;
+    gViews.inputBox = mViews.inputBox;
+  }
   Silence(const Silence&) = delete;
   Silence& operator=(const Silence&) = delete;
 
  private:
-  const Views mViews;
+  const Views mViews = gViews;
+  const bool& mIsUnloaded;
+  const CommandScope mCommand;
 };
 
 }  // namespace
@@ -78,7 +85,7 @@ frmFindDuplicates::~frmFindDuplicates() {
 
 void frmFindDuplicates::SaveForEndOfSession() {
   // The end of a session does not wait for an answer.
-  const Silence silence;
+  const Silence silence(mParts->isUnloaded);
   SaveProgramOptionsToIniFile();
   WriteOutHistory();
 }

@@ -14,6 +14,7 @@
 
 #include "frame/Pickers.h"
 #include "frame/ProgramFlags.h"
+#include "frame/RunCommand.h"
 #include "frame/TextTable.h"
 #include "frame/Views.h"
 #include "fsobjects/FSObjectReport.h"
@@ -22,7 +23,6 @@
 #include "ui/DialogFrame.h"
 #include "ui/ProgressAnimation.h"
 #include "ui/QtText.h"
-#include "ui/RunCommand.h"
 
 namespace quillmarsh {
 

@@ -9,13 +9,13 @@
 
 #include "frame/Pickers.h"
 #include "frame/ProgramFlags.h"
+#include "frame/RunCommand.h"
 #include "frame/TextTable.h"
 #include "frame/Views.h"
 #include "search/MediaInfoLibrary.h"
 #include "search/MediaProperties.h"
 #include "ui/DialogFrame.h"
 #include "ui/QtText.h"
-#include "ui/RunCommand.h"
 
 namespace quillmarsh {
 

@@ -66,6 +66,27 @@ TEST(ValueText, NumbersAreReadAsAWholeOrNotAtAll) {
   }
 }
 
+TEST(ValueText, ATypedNumberMeansWhatItMeansInTheLocale) {
+  const struct {
+    TextView typed;
+    TextView english;
+    TextView german;
+  } rows[] = {
+      {u"1.500", u"1.500", u"1500"},
+      {u"1,500", u"1500", u"1.500"},
+      {u"1.5", u"1.5", u"1.5"},
+      {u"1,5", u"1,5", u"1.5"},
+      {u"1.500,5", u"1.500,5", u"1500.5"},
+      {u"12.34.567", u"12.34.567", u"12.34.567"},
+      {u" 7 ", u"7", u"7"},
+      {u"ten", u"ten", u"ten"},
+  };
+  for (const auto& row : rows) {
+    EXPECT_EQ(FixedFormOfTyped(row.typed, {}), row.english);
+    EXPECT_EQ(FixedFormOfTyped(row.typed, German()), row.german);
+  }
+}
+
 TEST(ValueText, WholeNumbersRoundToEvenAndTellWhatIsWrong) {
   EXPECT_EQ(LongFromText(u"2.5", {}), 2);
   EXPECT_EQ(LongFromText(u"3.5", {}), 4);

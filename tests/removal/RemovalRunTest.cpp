@@ -382,6 +382,11 @@ TEST_F(Guard, AFileThatIsItsOwnCopyIsLeftAlone) {
   EXPECT_EQ(RemoveGuarded(RemoveMethod::Delete),
             Strings{"1\\x: the copy that stays is this file itself"});
   EXPECT_TRUE(Exists(u"1\\x"));
+
+  // Nor is one that cannot be told from the other.
+  program->hook.Fail({Operation::GetFileInformationByHandle, 1}, ERROR_ACCESS_DENIED);
+  ASSERT_EQ(RemoveGuarded(RemoveMethod::Delete).size(), 1U);
+  EXPECT_TRUE(Exists(u"1\\x"));
 }
 
 }  // namespace

@@ -39,7 +39,7 @@ TEST_F(DialogsTest, TheSearchSummaryShowsItsNumbersInTheFormOfTheLocale) {
     EXPECT_EQ(LabelText(box, "lblNumDupeGroups"), "7");
     EXPECT_EQ(LabelText(box, "lblDupesSizeLabel"), "Total Size of Duplicates:");
     EXPECT_EQ(LabelText(box, "lblDupesSize"), "1.30 KB");
-    EXPECT_EQ(LabelText(box, "lblNextStepLabel"), "Next Step:");
+    EXPECT_EQ(LabelText(box, "lblNextStepLabel"), "Next Step");
     EXPECT_EQ(LabelText(box, "lblNextStep"), "Select Files for Removal.");
     EXPECT_EQ(LabelText(box, "lblNextStepDescription"), ToUtf8(LoadResString(728)));
     EXPECT_EQ(LabelText(box, "lblNote"), ToUtf8(LoadResString(1114)));

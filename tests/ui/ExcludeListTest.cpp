@@ -35,6 +35,10 @@ TEST(ExcludeList, ANameOrItsExtensionGoesInFrontOnce) {
        u"Add File to Exclude List"},
       {u"A.TXT", false, u"b<:>a.txt", u"b<:>a.txt",
        u"This file is already in the Exclude Files list", u"Add File to Exclude List"},
+      {u"keep;a.txt", false, u"", u"keep?a.txt<:>",
+       u"The file has been added to the Exclude Files list.\r\n"
+       u"The changes will take effect on your next Duplicate File search.",
+       u"Add File to Exclude List"},
       {u"", false, u"b", u"b", u"No file is selected", u"Add To Exclude List"},
       {u"a.b.Txt", true, u"b", u"*.Txt<:>b",
        u"The extension has been added to the Exclude Files list.\r\n"

@@ -170,7 +170,9 @@ TEST_F(Lists, ANameIsEditedInPlaceAndToldWhenTheEditorHasGone) {
   QTest::keyClick(Editor(details), Qt::Key_Return);
   EXPECT_EQ(edited.size(), 0);
   QTRY_COMPARE_WITH_TIMEOUT(edited.size(), 1, 5000);
-  EXPECT_EQ(edited.at(0), (QList<QVariant>{1, QStringLiteral("new.jpg")}));
+  const std::int32_t record = results.ulvwDupeDetails.ItemData(1);
+  EXPECT_EQ(edited.at(0),
+            (QList<QVariant>{record, Cell(details, 1, 0), QStringLiteral("new.jpg")}));
   for (const QString& same : {QString(), Cell(details, 1, 0)})
     EXPECT_FALSE(details.Model().setData(details.Model().index(1, 0), same, Qt::EditRole));
 }

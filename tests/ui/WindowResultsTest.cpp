@@ -75,7 +75,7 @@ class WindowResultsTest : public WindowFixture {
     editor->setText(name);
     QTest::keyClick(editor, Qt::Key_Return);
     QTRY_VERIFY_WITH_TIMEOUT(list.viewport()->findChild<QLineEdit*>() == nullptr, 5000);
-    QApplication::processEvents();
+    QTest::qWait(50);  // the name is told once the editor has gone
   }
 };
 
@@ -150,6 +150,32 @@ TEST_F(WindowResultsTest, ANewNameEndsADuplicateOnlyWhereNamesCount) {
   EXPECT_EQ(Parts().ulvwDupeDetails->model()->index(RowInFolder("/two"), 0).data().toString(),
             QStringLiteral("third.txt"));
   EXPECT_EQ(Panel(DUPLICATES).section(QLatin1Char(' '), 0, 0), QStringLiteral("Duplicates:6"));
+}
+
+TEST_F(WindowResultsTest, ANewNameIsThatOfItsFileAlsoWhenAnotherGroupIsShownByThen) {
+  Press(*Parts().smtSearchResultsToolbar, "UNDO_KEY");
+  DetailList& list = *Parts().ulvwDupeDetails;
+  SelectDetail(RowInFolder("/two"));
+  QTest::keyClick(&list, Qt::Key_F2);
+  list.viewport()->findChild<QLineEdit*>()->setText(QStringLiteral("new.txt"));
+  GroupList& groups = *Parts().ulvwDupeGroups;
+  QTest::mouseClick(groups.viewport(), Qt::LeftButton, {},
+                    groups.visualRect(groups.model()->index(2, 0)).center());
+  QTRY_VERIFY_WITH_TIMEOUT(QFile::exists(FilesFolder() + QStringLiteral("/two/new.txt")), 5000);
+  EXPECT_FALSE(QFile::exists(FilesFolder() + QStringLiteral("/two/pair1.txt")));
+  EXPECT_TRUE(QFile::exists(FilesFolder() + QStringLiteral("/two/pair3.txt")));
+  EXPECT_EQ(GroupNames(), (QStringList{QStringLiteral("pair2.txt"), QStringLiteral("pair3.txt")}));
+  EXPECT_EQ(list.model()->index(0, 0).data().toString(), QStringLiteral("pair3.txt"));
+}
+
+TEST_F(WindowResultsTest, WhatACriterionHasClearedIsNotRemoved) {
+  Trigger("mnuOptionsDupeCriteriaOption(3)");
+  gDupeSettings->SetRemoveWarningShown(true);
+  boxes.Expect(LoadResString(376));
+  Trigger("mnuFileRemovedMarkedFiles");
+  EXPECT_EQ(Panel(FILES_SELECTED), QStringLiteral("Selected:0"));
+  Press(*Parts().smtSearchResultsToolbar, "UNDO_KEY");
+  EXPECT_EQ(Parts().ulvwDupeDetails->model()->rowCount(), 0);
 }
 
 TEST_F(WindowResultsTest, AClickOnAHeadingSortsAndTheNextOneTurnsItRound) {
