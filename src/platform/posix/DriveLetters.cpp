@@ -88,6 +88,15 @@ std::optional<std::string> PlaceBelow(const Drive& drive, const MountTable& moun
   return place;
 }
 
+// On which the mounts of a table stand that names no root: below a changed root theirs is not told.
+int MissingParentIn(const MountTable& table) {
+  for (const Mount& mount : table.Mounts()) {
+    if (std::ranges::find(table.Mounts(), mount.parent, &Mount::id) == table.Mounts().end())
+      return mount.parent;
+  }
+  return 1;
+}
+
 // The mounts that are to have a letter, "/" first, then wholes before parts, so that a part that
 // shows below a whole gets none.
 std::vector<Drive> ChooseDrives(const MountTable& mounts) {
@@ -191,8 +200,8 @@ void DriveLetters::Refresh() {
   auto text = ReadWholeFile(mSources.mountInfoFile, error);
   // Without the list, or below a changed root that is no mount, there is still the root.
   if (!text) text.emplace();
-  if (MountTable(*text).VisibleAt("/") == nullptr)
-    text->insert(0, "1 0 0:0 / / rw - rootfs / rw\n");
+  if (const MountTable table(*text); table.VisibleAt("/") == nullptr)
+    text->insert(0, std::to_string(MissingParentIn(table)) + " 0 0:0 / / rw - rootfs / rw\n");
   if (*text == mMountInfo) return;
   mMountInfo = std::move(*text);
 

@@ -78,6 +78,14 @@ TEST_F(DriveLettersTest, GivesLettersToWhatPeopleStoreFilesOnAndToNothingElse) {
   }
 }
 
+TEST_F(DriveLettersTest, KnowsMountsBelowAChangedRootThatIsNoMount) {
+  const DriveLetters letters(
+      SourcesFor("42 27 0:39 / /proc rw - proc proc rw\n"
+                 "50 27 8:1 / /data rw - ext4 /dev/sda1 rw\n"));
+  EXPECT_EQ(Described(letters), "C=/ D=/data");
+  EXPECT_NE(letters.Current()->mounts.RootedAt("/proc"), nullptr);
+}
+
 TEST_F(DriveLettersTest, RemembersALetterByTheFileSystemAndNeverGivesItToAnother) {
   const MountLine a{"/mnt/a", "ext4", "/dev/sda9", "8:9"};
   const MountLine b{"/mnt/b", "nfs4", "server:/b", "0:40"};
