@@ -126,20 +126,35 @@ void cFileCommands::Rename(std::int32_t index, TextView oldName, TextView newNam
   }
 }
 
-// The record keeps its name, which may be the one by which its group is listed; only where a stop
-// left the file in its group is it told by the new one.
+// Whether a listed file other than this one is marked.
+bool cFileCommands::IsAnotherMarked(std::int32_t index) const {
+  for (const std::int32_t group : mResults.ulvwDupeGroups.Items()) {
+    for (const std::int32_t member : mResults.MembersOf(group)) {
+      if (member != index && mResults.mFileMarked[static_cast<std::size_t>(member) - 1])
+        return true;
+    }
+  }
+  return false;
+}
+
+// The mark stands for the way out of the lists and not for a removal, so nobody is warned of one;
+// but what has left with the file is told. The record keeps its name, which may be the one by which
+// its group is listed; only where a stop left the file in its group is it told by the new one.
 void cFileCommands::TakeRenamedOut(std::int32_t index, TextView newName) {
-  const std::vector<std::int32_t>& listed = mResults.ulvwDupeDetails.Items();
-  const auto row = std::ranges::find(listed, index);
-  if (row != listed.end())
-    mSelection.MarkFile(static_cast<std::int32_t>(row - listed.begin()));
-  else
-    mResults.mFileMarked[static_cast<std::size_t>(index) - 1] = true;
+  const bool areOthersMarked = IsAnotherMarked(index);
+  mResults.mFileMarked[static_cast<std::size_t>(index) - 1] = true;
   cRemovalRun(mResults, mSettings, mRemoval, mResults.mFilesSearched)
       .RemoveMarkedFilesAllGroups(true);
-  if (mResults.IsTakenOut(index)) return;
-  mResults.SetName(index, newName);
-  mResults.ulvwDupeDetails.TellItemsChanged();
+  if (!mResults.IsTakenOut(index)) {
+    mResults.SetName(index, newName);
+    mResults.ulvwDupeDetails.TellItemsChanged();
+  } else if (areOthersMarked) {
+    Tell(
+        u"A file with a new name is no duplicate any more and leaves the lists, and all files that "
+        u"were selected for removal have left them with it.\r\n\r\nNothing was removed from the "
+        u"disk. A new search shows the duplicates that there are now.",
+        LoadResString(361), MessageBoxIcon::Information);
+  }
 }
 
 void cFileCommands::mnuFileRenameFile_Click() {

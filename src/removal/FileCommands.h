@@ -5,16 +5,14 @@
 
 #include "removal/RemovalView.h"
 #include "search/results/cSearchResults.h"
-#include "selection/cSelectionCommands.h"
 #include "settings/clsDupeSettings.h"
 
 namespace quillmarsh {
 
 class cFileCommands {
  public:
-  cFileCommands(cSearchResults& results, clsDupeSettings& settings, cSelectionCommands& selection,
-                RemovalView& removal)
-      : mResults(results), mSettings(settings), mSelection(selection), mRemoval(removal) {}
+  cFileCommands(cSearchResults& results, clsDupeSettings& settings, RemovalView& removal)
+      : mResults(results), mSettings(settings), mRemoval(removal) {}
 
   // The full path, and the name, of the selected row; empty without one.
   [[nodiscard]] Text GetSelectedFileSpec() const;
@@ -40,12 +38,12 @@ class cFileCommands {
   [[nodiscard]] std::int32_t SelectedRecord() const;
   [[nodiscard]] std::int32_t RecordAt(std::int32_t position) const;
   void Rename(std::int32_t index, TextView oldName, TextView newName);
+  [[nodiscard]] bool IsAnotherMarked(std::int32_t index) const;
   void TakeRenamedOut(std::int32_t index, TextView newName);
   void OpenInContainingFolder(std::int32_t position) const;
 
   cSearchResults& mResults;
   clsDupeSettings& mSettings;
-  cSelectionCommands& mSelection;
   RemovalView& mRemoval;
 };
 

@@ -71,7 +71,10 @@ bool cSearchSession::SearchAndGroup(bool& isRefused) {
   // Reached on every way, also after a refused start, which has no begin entry.
   mView.StopAnimation();
   cDuplicateGrouping grouping(mResults, mView);
-  return grouping.ShowDupes(mSearchedFolders, mFilesSearched) && isSearched;
+  const bool isShown = grouping.ShowDupes(mSearchedFolders, mFilesSearched);
+  // Nothing was searched, so nothing was not found either.
+  if (isRefused && mResults.RecordCount() == 0) SetPanel(PANEL1, {});
+  return isShown && isSearched;
 }
 
 bool cSearchSession::IsCriteriaValid() {

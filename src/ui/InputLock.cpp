@@ -55,12 +55,16 @@ const QWidget* ReceiverOf(const QObject* watched) {
   return nullptr;
 }
 
-// Also of the lists and menus that a control of it opens, which are windows of their own.
+// Also of the lists and menus that a control of it opens, which are windows of their own. The list
+// of completions of a field has no parent, and leaves the keyboard to its field.
 bool BelongsTo(const QWidget& widget, const QWidget& box) {
-  for (const QWidget* owner = &widget; owner != nullptr; owner = owner->parentWidget()) {
-    if (owner == &box) return true;
+  const QWidget* owner = &widget;
+  while (owner != nullptr && owner != &box) {
+    const QWidget* const above = owner->parentWidget();
+    const bool isPopup = above == nullptr && owner->windowType() == Qt::Popup;
+    owner = isPopup ? owner->focusProxy() : above;
   }
-  return false;
+  return owner != nullptr;
 }
 
 bool IsKey(const QEvent& event, std::initializer_list<int> keys) {

@@ -211,7 +211,7 @@ Parts::Parts(frmFindDuplicates& theWindow)
       views(*this),
       session(results, *gDupeSettings, views),
       selection(results, views),
-      files(results, *gDupeSettings, selection, views),
+      files(results, *gDupeSettings, views),
       options(*gDupeSettings, views),
       folders(views),
       layout(std::in_place) {}

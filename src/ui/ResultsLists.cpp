@@ -81,6 +81,8 @@ void ResultsList::HeadingClicked(int column) {
 // Rows that come back, as after a removal or a sort, stand where they stood as far as they can;
 // others begin at the top.
 void ResultsList::ListWasReset() {
+  // What comes next stands in no column's order.
+  if (mModel.rowCount() == 0) header()->setSortIndicatorShown(false);
   FollowSelection();
   if (mModel.rowCount() == 0 || mList.SelectedPosition() == cResultsList::NoItem) return;
   verticalScrollBar()->setValue(mScrollBefore);

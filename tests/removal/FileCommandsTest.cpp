@@ -19,15 +19,6 @@ class GivenInput final : public InputBoxView {
   std::vector<Text> asked;
 };
 
-class QuietSelectionView final : public SelectionView {
- public:
-  void ClearChosenMultiSelectRule() override {}
-  void CheckRuleItems(std::int32_t) override {}
-  void MarksChanged() override {}
-  void ShowMarkForRemovalWizard() override {}
-  void ShowSelectSummary(const SelectSummary&) override {}
-};
-
 class FileCommands : public ProgramFixture {
  protected:
   FileCommands() {
@@ -64,10 +55,8 @@ class FileCommands : public ProgramFixture {
   }
 
   GivenInput input;
-  QuietSelectionView selectionView;
   QuietRemovalView removalView;
-  cSelectionCommands selection{results, selectionView};
-  cFileCommands commands{results, *gDupeSettings, selection, removalView};
+  cFileCommands commands{results, *gDupeSettings, removalView};
 };
 
 TEST_F(FileCommands, ARenamedFileThatStaysADuplicateShowsItsNewName) {
@@ -96,10 +85,11 @@ TEST_F(FileCommands, WithNamesMatchedItLeavesTheListsWithAllMarkedFilesAndNothin
   results.mFileMarked[static_cast<std::size_t>(results.ulvwDupeDetails.ItemData(1)) - 1] = true;
   messages.Expect();
   Rename(u"third.txt");
-  EXPECT_EQ(Told(),
-            "Remove All Files in Group: All of the files in this group are now selected "
-            "for removal.\r\nThis is extremely dangerous.  Please be sure that you want to "
-            "do this.\n");
+  EXPECT_EQ(
+      Told(),
+      "Rename File: A file with a new name is no duplicate any more and leaves the lists, and "
+      "all files that were selected for removal have left them with it.\r\n\r\nNothing was "
+      "removed from the disk. A new search shows the duplicates that there are now.\n");
   EXPECT_EQ(results.ulvwDupeGroups.Count(), 0);
   for (const TextView path : {u"C:\\a\\new name.txt", u"C:\\b\\third.txt", u"C:\\c\\x.txt"})
     EXPECT_EQ(machine.ContentsOf(path), "same");

@@ -100,7 +100,7 @@ TEST_F(SearchSession, ARefusedStartShowsOneMessageAndStillEnds) {
     EXPECT_NE(ToUtf8(messages.shown[0].text).find(c.message), std::string::npos)
         << ToUtf8(messages.shown[0].text);
     EXPECT_EQ(log->lines, std::vector<std::string>{"1"});
-    EXPECT_EQ(Panel(PANEL1).find("No matching files found"), 0U);
+    EXPECT_EQ(Panel(PANEL1), "") << "nothing was searched";
   }
   gDupeSettings->SetIncludeSubFolders(false);
   EXPECT_EQ(Search({u"C:\\database", u"C:\\data"}), SearchOutcome::Complete);

@@ -2,12 +2,15 @@
 // Message boxes, pickers, pump and pointer as the logic meets them.
 #include <gtest/gtest.h>
 
+#include <QAbstractItemView>
 #include <QApplication>
+#include <QCompleter>
 #include <QFileDialog>
 #include <QLabel>
 #include <QLineEdit>
 #include <QMessageBox>
 #include <QPushButton>
+#include <QTest>
 #include <QTimer>
 #include <chrono>
 #include <fstream>
@@ -16,6 +19,7 @@
 #include "frame/CommandScope.h"
 #include "frame/Pump.h"
 #include "platform/posix/TempTree.h"
+#include "ui/InputLock.h"
 #include "ui/ModalBox.h"
 #include "ui/QtText.h"
 #include "ui/QtViews.h"
@@ -203,6 +207,27 @@ TEST_F(QtViewsTest, ThePumpRunsEventsAndTellsTheLongestGapOfACommand) {
     DoEvents();
   }
   EXPECT_LT(mViews.LongestGap().milliseconds, 1000);
+}
+
+TEST_F(QtViewsTest, TheCompletionsOfAFieldInABoxTakeInputWhileACommandRuns) {
+  InputLock lock(nullptr, [] {});
+  const CommandScope command;
+  QDialog box;
+  QLineEdit field(&box);
+  QCompleter completer({QStringLiteral("home"), QStringLiteral("house")});
+  field.setCompleter(&completer);
+  box.setModal(true);
+  box.show();
+  ASSERT_TRUE(QTest::qWaitForWindowExposed(&box));
+  field.setFocus();
+  QTest::keyClick(&field, Qt::Key_H);
+  ASSERT_TRUE(completer.popup()->isVisible());
+  QTest::keyClick(completer.popup(), Qt::Key_O);
+  EXPECT_EQ(field.text(), "ho");
+  QTest::keyClick(completer.popup(), Qt::Key_Down);
+  QTest::keyClick(completer.popup(), Qt::Key_Return);
+  EXPECT_EQ(field.text(), "home");
+  EXPECT_FALSE(completer.popup()->isVisible());
 }
 
 TEST_F(QtViewsTest, TheBusyPointerIsNestedAndAnArrowInBoxes) {

@@ -8,6 +8,7 @@
 #include <QTimer>
 #include <atomic>
 #include <chrono>
+#include <cstdio>
 
 #include "frame/ErrorReporting.h"
 #include "frame/TextTable.h"
@@ -78,6 +79,12 @@ int RunWindow(QApplication& application, SingleInstance& instance, QtViews& view
 }  // namespace
 
 int Main(int argc, char** argv) {
+  // The toolkit would end the program by a crash.
+  if (!qEnvironmentVariableIsSet("DISPLAY") && !qEnvironmentVariableIsSet("WAYLAND_DISPLAY") &&
+      !qEnvironmentVariableIsSet("QT_QPA_PLATFORM")) {
+    std::fputs("quillmarsh: there is no display; quillmarsh-cli does without one\n", stderr);
+    return 1;
+  }
   QApplication application(argc, argv);
   QApplication::setApplicationName(ToQString(LoadResString(kProductName)));
   QGuiApplication::setDesktopFileName(QStringLiteral("quillmarsh"));
