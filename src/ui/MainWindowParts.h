@@ -55,7 +55,7 @@ struct frmFindDuplicates::Parts {
   cFileCommands files;
   SearchOptions options;
   FolderListCommands folders;
-  std::optional<SearchOutcome> lastSearch;
+  std::optional<SearchOutcome> lastSearch;  // none after a change of what was searched for
   bool isUnloaded = false;
 
   // The toolkit's.

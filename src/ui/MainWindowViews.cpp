@@ -169,7 +169,10 @@ void MainWindowViews::SetDetailsCaption(TextView caption) {
   mParts.ulvwDupeDetails->Model().SetCaption(caption);
 }
 
+// What was found last is not asked for any more, and the empty lists are not to say that it was
+// nothing.
 void MainWindowViews::SetStatusForNewSearch() {
+  mParts.lastSearch.reset();
   mParts.session.SetStatusForNewSearch();
 }
 

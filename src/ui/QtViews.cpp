@@ -14,6 +14,7 @@
 #include "frame/TextTable.h"
 #include "ui/BreakableText.h"
 #include "ui/Impatience.h"
+#include "ui/PlaceProblem.h"
 #include "ui/QtText.h"
 #include "ui/frmInputBox.h"
 
@@ -117,10 +118,8 @@ std::string NativeBytes(const QString& answer) {
 }
 
 Text ReasonOf(const CanonicalLocation& location) {
-  if (location.error == ERROR_INVALID_DRIVE)
-    return u"It lies on a file system without a drive letter: one of a kind that does not hold a "
-           u"person's files, or none of the letters was free. Please choose another place.";
-  return GetSystemErrorText(location.error);
+  const bool hasNoLetter = location.error == ERROR_INVALID_DRIVE;
+  return ReasonOfPlace(location.error) + (hasNoLetter ? u" Please choose another place." : u"");
 }
 
 // Shows the dialog until a place is chosen that the program has a name for, or the person gives up.

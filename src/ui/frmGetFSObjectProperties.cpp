@@ -21,6 +21,7 @@
 #include "fsobjects/modPaths.h"
 #include "platform/Machine.h"
 #include "ui/DialogFrame.h"
+#include "ui/PlaceProblem.h"
 #include "ui/ProgressAnimation.h"
 #include "ui/QtText.h"
 
@@ -34,13 +35,6 @@ constexpr int kOpenWidthInLetters = 8;
 
 Text Shown(const Text& path) {
   return TheMachine().Drives().ShownPath(path);
-}
-
-Text ReasonOf(std::uint32_t code) {
-  if (code == ERROR_INVALID_DRIVE)
-    return u"It lies on a file system without a drive letter: one of a kind that does not hold a "
-           u"person's files, or none of the letters was free.";
-  return GetSystemErrorText(code);
 }
 
 bool AsksForWholeTree() {
@@ -194,7 +188,7 @@ std::optional<Text> frmGetFSObjectProperties::PathFromLine() {
   if (!typed.starts_with(u'/')) return Text(typed);
   const CanonicalLocation location = LocateForReport(ToUtf8(typed));
   if (location.error == ERROR_SUCCESS) return location.path;
-  ShowText(gUserAbort ? StoppedReportText() : ReasonOf(location.error));
+  ShowText(gUserAbort ? StoppedReportText() : ReasonOfPlace(location.error));
   return std::nullopt;
 }
 

@@ -168,8 +168,10 @@ TEST_F(WindowResultsTest, ANewNameIsThatOfItsFileAlsoWhenAnotherGroupIsShownByTh
   EXPECT_EQ(list.model()->index(0, 0).data().toString(), QStringLiteral("pair3.txt"));
 }
 
-TEST_F(WindowResultsTest, WhatACriterionHasClearedIsNotRemoved) {
+TEST_F(WindowResultsTest, WhatACriterionHasClearedIsNotRemovedNorCalledNotFound) {
+  EXPECT_EQ(Parts().lastSearch, SearchOutcome::Complete);
   Trigger("mnuOptionsDupeCriteriaOption(3)");
+  EXPECT_EQ(Parts().lastSearch, std::nullopt);
   gDupeSettings->SetRemoveWarningShown(true);
   boxes.Expect(LoadResString(376));
   Trigger("mnuFileRemovedMarkedFiles");
