@@ -276,7 +276,9 @@ class Analyze(Case):
         for folder in range(400):
             for number in range(20):
                 self.make(f"tree/folder{folder}/below/file{number}", b"")
-        process = subprocess.Popen([oracle.PROGRAM, "analyze", "--recurse", self.folder],
+        # The program's own data lie beside the tree.
+        tree = os.path.join(self.folder, "tree")
+        process = subprocess.Popen([oracle.PROGRAM, "analyze", "--recurse", tree],
                                    stdout=subprocess.PIPE, stderr=subprocess.PIPE)
         time.sleep(0.02)
         process.send_signal(signal.SIGINT)
