@@ -52,6 +52,7 @@ std::optional<ExitCode> ConsoleSearch::Search() {
   cSearchSession session(mResults, *gDupeSettings, view);
   SearchOutcome outcome = session.FindDuplicateFiles();
   mFilesSearched = session.FilesSearched();
+  mNotes = session.Notes();
   // A stop that came too late for the search is still in time for what comes next.
   if (ConsolePump::IsStopRequested()) outcome = SearchOutcome::Stopped;
   switch (outcome) {
@@ -73,6 +74,7 @@ std::optional<ExitCode> ConsoleSearch::Search() {
 // letter could not be searched even if they were named.
 void ConsoleSearch::TellPlacesNotEntered() const {
   if (!mTellsPlaces) return;
+  for (const Text& note : mNotes) PrintError(ToUtf8(note));
   Volumes& volumes = TheMachine().Drives();
   for (const Text& root : DriveRoots()) {
     const bool isNamed = std::find(mLocations.begin(), mLocations.end(), root) != mLocations.end();

@@ -24,7 +24,7 @@ class ConsoleSearch {
   [[nodiscard]] std::int32_t FilesSearched() const { return mFilesSearched; }
   // In drive form.
   [[nodiscard]] const std::vector<Text>& Locations() const { return mLocations; }
-  // Says which other file systems below the locations were not entered.
+  // Says which other file systems and which DUPES folders below the locations were not entered.
   void TellPlacesNotEntered() const;
   // Of a command that has done what it was to do.
   [[nodiscard]] ExitCode EndCode() const;
@@ -36,6 +36,7 @@ class ConsoleSearch {
   cSearchResults mResults;
   std::int32_t mFilesSearched = 0;
   std::vector<Text> mLocations;
+  std::vector<Text> mNotes;  // of the search
   bool mTellsPlaces = true;
 };
 

@@ -49,6 +49,15 @@ cFSXFileFacts cFSXFiles::Facts(std::int32_t index) const {
           entry.createdAsCurr, entry.lastModifiedAsCurr, entry.attributes};
 }
 
+bool cFSXFiles::Contains(TextView name) const {
+  std::size_t begin = 0;
+  for (const Entry& entry : mEntries) {
+    if (TextView(mNames).substr(begin, entry.nameEnd - begin) == name) return true;
+    begin = entry.nameEnd;
+  }
+  return false;
+}
+
 std::unique_ptr<cFSXFile> cFSXFiles::Item(std::int32_t index) const {
   if (index < 1 || index > Count()) return nullptr;
   const cFSXFileFacts facts = Facts(index);

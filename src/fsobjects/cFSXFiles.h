@@ -45,6 +45,8 @@ class cFSXFiles {
   [[nodiscard]] std::unique_ptr<cFSXFile> Item(std::int32_t index) const;
   // `index` must be 1 to Count; error 9 if not.
   [[nodiscard]] cFSXFileFacts Facts(std::int32_t index) const;
+  // Whether an entry has exactly this name.
+  [[nodiscard]] bool Contains(TextView name) const;
 
  private:
   struct Entry {

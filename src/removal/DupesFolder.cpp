@@ -89,6 +89,9 @@ void ChangeDupesFolderPath(TextView newPath) {
   Guarded(u"modQuillmarsh.ChangeDupesFolderPath", [&] {
     const Text folder = AddBackslash(newPath);
     if (!ExistsOrIsMade(folder)) return TellThatItCannotBeMade();
+    // The old one too, which may be older than the marker: what it holds stays there.
+    MarkDupesFolder(mDupesFolderPath);
+    MarkDupesFolder(folder);
     mDupesFolderPath = folder;
     ShowMessageBox({LoadResString(864), LoadResString(832), MessageBoxIcon::Information});
   });

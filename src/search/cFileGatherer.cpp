@@ -4,6 +4,8 @@
 
 #include <algorithm>
 
+#include "base/OwnFiles.h"
+#include "base/TextEquality.h"
 #include "frame/ErrorReporting.h"
 #include "frame/ProgramFlags.h"
 #include "frame/Pump.h"
@@ -15,6 +17,7 @@
 #include "platform/Machine.h"
 #include "removal/history/cLog.h"
 #include "search/Cancellation.h"
+#include "settings/OptionsFolder.h"
 
 namespace quillmarsh {
 
@@ -112,6 +115,8 @@ void cFileGatherer::GetFilesArray(cFSXFolder& folder, bool isPrimed) {
   }
   const std::shared_ptr<cFSXFiles> files = folder.Files();
   if (files != nullptr) {
+    // Not of the location itself: who names a DUPES folder wants to see what is in it.
+    if (isPrimed && files->Contains(kDupesMarkerName)) return NoteDupesFolder(path);
     const std::uint32_t listingError = folder.ErrorsDuringEnumeration() && files->Count() == 0
                                            ? folder.EnumerationError()
                                            : folder.ListingError();
@@ -129,12 +134,23 @@ void cFileGatherer::GetFilesArray(cFSXFolder& folder, bool isPrimed) {
   ShowFilesSearched();
 }
 
+// It is left out whatever else it holds, and with all that is below it.
+void cFileGatherer::NoteDupesFolder(const Text& path) {
+  const bool isInUse = AreStringsEqual(path, mDupesFolderPath, true);
+  mNotes.push_back(u"\"" + Shown(path) +
+                   (isInUse ? u"\" is the DUPES folder and was not searched"
+                            : u"\" is a DUPES folder and was not searched; to search it, name it "
+                              u"in a search of its own"));
+  AddFreeTextToLog(mNotes.back());
+}
+
 bool cFileGatherer::TakeFiles(const Text& path, std::int32_t folderIdx, const cFSXFiles& files) {
   const std::int32_t count = files.Count();
   mSpecialFolders.SetFolder(path);
   for (std::int32_t i = 1; i <= count; ++i) {
     DoEvents_Fast();
     const cFSXFileFacts file = files.Facts(i);
+    if (IsOwnFileName(file.name)) continue;
     mFilesSearched += 1;
     if (mFilesSearched % kFilesPerStatus == 0) {
       ShowFilesSearched();

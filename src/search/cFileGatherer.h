@@ -49,11 +49,14 @@ class cFileGatherer {
   // The location's own folder is read whatever the folder filters say. A record that could not be
   // kept raises error 7: going on without it would show groups that are not whole.
   void GatherLocation(const Text& location);
+  // What the user is to know about the walks, a sentence each: DUPES folders that were left out.
+  [[nodiscard]] const std::vector<Text>& Notes() const { return mNotes; }
 
  private:
   void VisitQueuedFolder(std::int32_t idx);
   void GiveReadAheadHints();
   void GetFilesArray(cFSXFolder& folder, bool isPrimed);
+  void NoteDupesFolder(const Text& path);
   // These two answer false when the user stopped the walk.
   [[nodiscard]] bool TakeFiles(const Text& path, std::int32_t folderIdx, const cFSXFiles& files);
   [[nodiscard]] bool QueueSubFolders(const cFSXSubFolders& subFolders);
@@ -71,6 +74,7 @@ class cFileGatherer {
   cSpecialFolders& mSpecialFolders;
   std::int32_t& mFilesSearched;
   clsFolderQueue mFolderQueue;
+  std::vector<Text> mNotes;
   bool mIsIncomplete = false;  // a record could not be kept
   std::int32_t mHinted = 0;    // entries behind the queue's next one that are hinted already
 };

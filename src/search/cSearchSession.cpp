@@ -99,6 +99,7 @@ void cSearchSession::Search() {
   for (const Text& line : filters.Announcements()) AddFreeTextToLog(line);
   cSpecialFolders specialFolders(mSettings.IgnoreFilesInWindowsDir());
   mFilesSearched = 0;
+  mNotes.clear();
   mResults.mCurrentGroup = 0;
   mResults.ResetModuleLevelArraysForNewSearch();
   // A refused Start groups these results once more: by what they were searched for, not by what the
@@ -139,6 +140,7 @@ bool cSearchSession::SearchLocations(const cSearchFilters& filters,
       return false;
     }
   }
+  mNotes = gatherer.Notes();
   return true;
 }
 

@@ -29,6 +29,8 @@ class cSearchSession {
 
   // Files looked at in the last search, whether they were kept or not.
   [[nodiscard]] std::int32_t FilesSearched() const { return mFilesSearched; }
+  // What the user is to know about it beside its results, a sentence each.
+  [[nodiscard]] const std::vector<Text>& Notes() const { return mNotes; }
   // The locations that the results come from.
   [[nodiscard]] const std::vector<Text>& SearchedFolders() const { return mSearchedFolders; }
   // Empties the lists and the status of the last search; pumps, so its caller holds a CommandScope.
@@ -46,6 +48,7 @@ class cSearchSession {
   SearchView& mView;
   std::vector<Text> mSelectedFolders;  // as the last Start found them
   std::vector<Text> mSearchedFolders;  // those that the results come from
+  std::vector<Text> mNotes;
   std::int32_t mFilesSearched = 0;
 };
 

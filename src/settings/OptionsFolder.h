@@ -16,7 +16,13 @@ namespace quillmarsh {
 extern Text mDupesFolderPath;
 
 // mDupesFolderPath, decided now if it was not ("DUPES\" in the folder of the options file) and made
-// when missing. Empty where there is no folder of the options file.
+// and marked when missing. Empty where there is no folder of the options file.
 [[nodiscard]] Text GetDupesFolderPath();
+
+// Puts the marker file into a folder, by which every later search knows it for a DUPES folder and
+// skips it, also when another folder has become the DUPES folder. A marker that is there stays as
+// it is. A folder that was there before it became the DUPES folder is marked when it is first used,
+// so that a look at what would be removed leaves no trace in it.
+void MarkDupesFolder(TextView folder);
 
 }  // namespace quillmarsh

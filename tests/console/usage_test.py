@@ -294,12 +294,15 @@ class HandMade(Case):
     def test_a_dupes_folder_named_by_hand_as_the_system_names_it_is_left_out(self):
         kept = [self.make("tree/a/same.txt"), self.make("tree/b/same.txt")]
         self.make("tree/Dupes/same.txt")
+        self.make("tree/Older/below/same.txt"), self.make("tree/Older/.quillmarsh-dupes")
         home = os.path.join(self.folder, "data home", "Harrow Fen", "Quillmarsh")
         os.makedirs(home)
         with open(os.path.join(home, "quillmarsh.ini"), "w", encoding="ascii") as file:
             file.write(f"[Options]\nDUPESFolderPath={self.folder}/tree/Dupes\n")
         found, _ = oracle.found_groups(os.path.join(self.folder, "tree"))
         self.assertEqual(found, {frozenset(kept)})
+        self.assertIn(f'"{self.folder}/tree/Older/" is a DUPES folder and was not searched; to search it, name it',
+                      os.fsdecode(oracle.run("search", os.path.join(self.folder, "tree")).stderr))
 
 
 class Stop(Case):

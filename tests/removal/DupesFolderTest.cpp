@@ -109,6 +109,8 @@ TEST_F(DupesFolder, MovesToAConfirmedPlaceAndStaysOtherwise) {
     EXPECT_EQ(mDupesFolderPath, row.path);
     EXPECT_TRUE(machine.Exists(mDupesFolderPath));
   }
+  for (const TextView marked : {u"C:\\old\\DUPES", u"C:\\new\\DUPES", u"C:\\new\\a\\DUPES"})
+    EXPECT_TRUE(machine.Exists(Text(marked) + u"\\.quillmarsh-dupes")) << ToUtf8(marked);
   ChangeDupesFolderPath(u"");
   EXPECT_EQ(TakeBox().text, u"Unable to create new folder path for duplicates.");
   EXPECT_EQ(mDupesFolderPath, u"C:\\old\\DUPES\\");

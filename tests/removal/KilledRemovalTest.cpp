@@ -17,6 +17,7 @@
 #include <map>
 #include <random>
 
+#include "base/OwnFiles.h"
 #include "fsobjects/ChecksumLibrary.h"
 #include "fsobjects/LocaleFormats.h"
 #include "fsobjects/cFSXFolderPathsList.h"
@@ -147,7 +148,7 @@ int Ground::ExpectAllWhole(RemoveMethod method) const {
     if (!fs::exists(place)) continue;
     for (const auto& entry : fs::recursive_directory_iterator(place)) {
       const std::string name = entry.path().filename();
-      if (!entry.is_regular_file() || name.ends_with(".part")) continue;
+      if (!entry.is_regular_file() || IsOwnFileName(FromUtf8(name))) continue;
       const auto found = known.find(Read(entry.path()));
       if (found == known.end())
         ADD_FAILURE() << entry.path() << " is not whole";

@@ -9,6 +9,7 @@
 #include "search/ProgramFixture.h"
 #include "search/cLocationCheck.h"
 #include "search/cSpecialFolders.h"
+#include "settings/OptionsFolder.h"
 
 namespace quillmarsh {
 namespace {
@@ -271,6 +272,46 @@ TEST_F(SearchSession, SpecialFoldersAreLeftOutWhereTheyConcernTheLocation) {
   ASSERT_EQ(Search({u"C:\\"}), SearchOutcome::Complete);
   EXPECT_EQ(Groups(), (Groups_t{{"C:\\data\\x", "C:\\Windows\\x"}}));
   EXPECT_TRUE(machine.Exists(u"C:\\Users\\me\\AppData\\Local\\Harrow Fen\\Quillmarsh\\DUPES"));
+}
+
+TEST_F(SearchSession, OwnFilesAndMarkedFoldersAreNeitherListedNorCounted) {
+  mDupesFolderPath = u"C:\\data\\now\\";
+  for (const TextView path :
+       {u"C:\\data\\x", u"C:\\data\\.quillmarsh-7.part", u"C:\\data\\.quillmarsh-.part",
+        u"C:\\data\\.quillmarsh-7.part2", u"C:\\data\\.quillmarsh-7a.aside",
+        u"C:\\data\\sub\\.quillmarsh-18446744073709551615.aside",
+        // In the order of the listing the marker stands between two files.
+        u"C:\\data\\old\\!x", u"C:\\data\\old\\.quillmarsh-dupes", u"C:\\data\\old\\x",
+        u"C:\\data\\old\\below\\x", u"C:\\data\\old\\below\\again\\.quillmarsh-dupes",
+        u"C:\\data\\old\\below\\again\\x"}) {
+    Make(path);
+  }
+  struct Case {
+    TextView location;
+    std::size_t files;
+    std::vector<Text> notes;
+  };
+  const Text skipped =
+      u" is a DUPES folder and was not searched; to search it, name it in a search of its own";
+  const Case cases[] = {
+      {u"C:\\data",
+       4,
+       {u"\"C:\\data\\now\\\" is the DUPES folder and was not searched",
+        u"\"C:\\data\\old\\\"" + skipped}},
+      {u"C:\\data\\old", 3, {u"\"C:\\data\\old\\below\\again\\\"" + skipped}},
+      {u"C:\\data\\old\\below\\again", 1, {}},
+  };
+  for (const Case& c : cases) {
+    SCOPED_TRACE(ToUtf8(c.location));
+    view.locations = {Text(c.location)};
+    cSearchSession session(results, *gDupeSettings, view);
+    ASSERT_EQ(session.FindDuplicateFiles(), SearchOutcome::Complete);
+    EXPECT_EQ(results.mDupeFiles.size(), c.files);
+    EXPECT_EQ(session.FilesSearched(), static_cast<std::int32_t>(c.files));
+    EXPECT_EQ(session.Notes(), c.notes);
+    for (const Text& note : c.notes) EXPECT_TRUE(HasLogged("17 " + ToUtf8(note)));
+  }
+  EXPECT_TRUE(machine.Exists(u"C:\\data\\now\\.quillmarsh-dupes"));
 }
 
 TEST_F(SearchSession, TheRootFlagStaysForAllFurtherLocations) {
