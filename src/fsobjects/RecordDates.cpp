@@ -5,6 +5,7 @@
 
 #include "frame/ErrorReporting.h"
 #include "fsobjects/LocaleFormats.h"
+#include "platform/Machine.h"
 
 namespace quillmarsh {
 namespace {
@@ -35,6 +36,13 @@ Date WholeSecondDateOfRawTime(Currency raw, const PathOfFile& path) {
   if (raw.Raw() % kTicksPerSecond < 0) --seconds;
   const Date date = Date::FromWholeSeconds(seconds - kSecondsFrom1601To1899);
   return date.IsValid() ? date : Reported(raw, path);
+}
+
+std::int64_t UtcTicksNow() {
+  LocaleAndTime& clock = TheMachine().Locale();
+  FILETIME now;
+  static_cast<void>(clock.LocalFileTimeToFileTime(clock.GetLocalTime(), now));
+  return now.Ticks();
 }
 
 }  // namespace quillmarsh

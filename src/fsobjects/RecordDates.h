@@ -19,4 +19,7 @@ using PathOfFile = std::function<Text()>;
 // one date.
 [[nodiscard]] Date WholeSecondDateOfRawTime(Currency raw, const PathOfFile& path);
 
+// The present moment as the disk tells the times of a file, in UTC ticks.
+[[nodiscard]] std::int64_t UtcTicksNow();
+
 }  // namespace quillmarsh
