@@ -9,6 +9,7 @@
 #include "fsobjects/modUnicode.h"
 #include "platform/Machine.h"
 #include "removal/history/HistoryCommands.h"
+#include "removal/history/RemovalJournal.h"
 #include "removal/history/cHistory.h"
 #include "removal/history/cLog.h"
 
@@ -30,7 +31,7 @@ bool HasEntries(const Text& path) {
 
 ExitCode Clear(const Text& path) {
   ClearHistory();
-  return IsThere(path) ? ExitCode::Refused : ExitCode::Done;
+  return IsThere(path) || IsThere(JournalFileSpec()) ? ExitCode::Refused : ExitCode::Done;
 }
 
 }  // namespace

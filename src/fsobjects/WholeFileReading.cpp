@@ -15,10 +15,13 @@ namespace {
 constexpr std::size_t kBlockBytes = std::size_t{256} * 1024;
 constexpr std::uint32_t kShareAll = FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE;
 
-// Hands the file's blocks to `take` one after the other; false when it could not be read to its
-// end.
-template <typename Take>
-bool ReadBlocks(TextView path, Take&& take) {
+constexpr bool IsPlainText(unsigned byte) {
+  return byte == '\t' || byte == '\n' || byte == '\r' || (byte >= 0x20 && byte <= 0x7E);
+}
+
+}  // namespace
+
+bool ReadInBlocks(TextView path, const TakeBlock& take) {
   const RedirectionOff redirection;
   FileInputOutput& files = TheMachine().Files();
   const FileHandle file(files.CreateFileW(ToLongPath(path), GENERIC_READ, kShareAll, OPEN_EXISTING,
@@ -33,22 +36,16 @@ bool ReadBlocks(TextView path, Take&& take) {
   return false;
 }
 
-constexpr bool IsPlainText(unsigned byte) {
-  return byte == '\t' || byte == '\n' || byte == '\r' || (byte >= 0x20 && byte <= 0x7E);
-}
-
-}  // namespace
-
 std::optional<Text> Md5OfFile(TextView path) {
   Md5 digest;
-  if (!ReadBlocks(path, [&](std::span<const std::byte> block) { digest.Add(block); }))
+  if (!ReadInBlocks(path, [&](std::span<const std::byte> block) { digest.Add(block); }))
     return std::nullopt;
   return digest.Finish();
 }
 
 std::optional<std::int32_t> PlainTextPercentage(TextView path, bool highCharactersToo) {
   std::array<std::uint64_t, 256> counts{};
-  const bool whole = ReadBlocks(path, [&](std::span<const std::byte> block) {
+  const bool whole = ReadInBlocks(path, [&](std::span<const std::byte> block) {
     for (const std::byte byte : block) ++counts[std::to_integer<std::size_t>(byte)];
   });
   if (!whole) return std::nullopt;

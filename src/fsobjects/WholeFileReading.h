@@ -1,13 +1,21 @@
 // SPDX-License-Identifier: MIT
-// Facts that want the whole of a file's contents: its MD5 digest and its share of plain text. The
-// file is read once, in sequence, in blocks of 256 KiB.
+// Reading the whole of a file once, in sequence, in blocks of 256 KiB, and facts that want it: the
+// MD5 digest and the share of plain text.
 #pragma once
 
+#include <cstddef>
+#include <functional>
 #include <optional>
+#include <span>
 
 #include "base/Text.h"
 
 namespace quillmarsh {
+
+// Hands the file's blocks over one after the other. False, with the last error, when it could not
+// be read to its end.
+using TakeBlock = std::function<void(std::span<const std::byte>)>;
+[[nodiscard]] bool ReadInBlocks(TextView path, const TakeBlock& take);
 
 // 32 lower-case hexadecimal digits; none when the file cannot be read to its end.
 [[nodiscard]] std::optional<Text> Md5OfFile(TextView path);

@@ -2,6 +2,7 @@
 // The two commands of the History menu: their boxes, and what they leave on the disk.
 #include "removal/HistoryFixture.h"
 #include "removal/history/HistoryCommands.h"
+#include "removal/history/RemovalJournal.h"
 
 namespace quillmarsh {
 namespace {
@@ -55,9 +56,11 @@ TEST_F(HistoryCommands, ClearDeletesTheFileAndLeavesTheMemory) {
   AddCharacters(9);
   Flush();
   AddCharacters(5);
+  ASSERT_TRUE(cRemovalJournal(RemoveMethod::Delete).Begin());
   ClearHistory();
   ExpectBox(u"History successfully cleared.", u"Clear History", MessageBoxIcon::Information);
   EXPECT_FALSE(machine.Exists(kLogPath));
+  EXPECT_FALSE(machine.Exists(JournalFileSpec()));
   Flush();
   EXPECT_EQ(OnDisk(), "\xFF\xFE" + WideBytes(u"\txx\r\n"));
 }

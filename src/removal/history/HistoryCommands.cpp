@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
-// Both ask gHistory where the file lies.
+// gHistory knows where the history lies. The journal of removals names the same files and goes with
+// it.
 #include "removal/history/HistoryCommands.h"
 
 #include "frame/ErrorReporting.h"
@@ -8,6 +9,7 @@
 #include "fsobjects/cFSXFileSystemObject.h"
 #include "fsobjects/modFSXFSO_SupportRoutines.h"
 #include "platform/Machine.h"
+#include "removal/history/RemovalJournal.h"
 #include "removal/history/cHistory.h"
 #include "search/results/modDupe.h"
 
@@ -21,7 +23,7 @@ void TellOfProblem(TextId message, TextId title, const Text& path) {
                   LoadResString(title), MessageBoxIcon::Exclamation});
 }
 
-bool DeleteHistory(const Text& path) {
+bool DeleteFile(const Text& path) {
   if (!FSXFileExists(path)) return true;
   bool cancelled = false;
   std::int32_t errorNumber = 0;
@@ -47,12 +49,9 @@ void ViewHistory() {
 
 void ClearHistory() {
   Guarded(u"frmFindDuplicates.ClearHistory", [] {
-    const Text path = gHistory->FileSpec();
-    if (DeleteHistory(path)) {
-      ShowMessageBox({LoadResString(481), LoadResString(482), MessageBoxIcon::Information});
-    } else {
-      TellOfProblem(483, 484, path);
-    }
+    for (const Text& path : {gHistory->FileSpec(), JournalFileSpec()})
+      if (!DeleteFile(path)) return TellOfProblem(483, 484, path);
+    ShowMessageBox({LoadResString(481), LoadResString(482), MessageBoxIcon::Information});
   });
 }
 

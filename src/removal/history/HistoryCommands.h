@@ -8,7 +8,7 @@ namespace quillmarsh {
 // Opens the history in the system's viewer of plain text, which is not waited for.
 void ViewHistory();
 
-// Deletes the history for good. None being there counts as success.
+// Deletes the history and the journal of removals for good. None being there counts as success.
 void ClearHistory();
 
 }  // namespace quillmarsh
