@@ -235,10 +235,6 @@ bool cRemovalJournal::End() {
 
 // Lines that could not be written are tried again with the next ones: twice is no harm.
 bool cRemovalJournal::Append(TextView lines) {
-  if (mFileSpec.empty()) {
-    TheMachine().SetLastError(ERROR_PATH_NOT_FOUND);
-    return false;
-  }
   if (!AppendStringToFile(mFileSpec, mDone + Text(lines), TextEncoding::Utf16LittleEndian))
     return false;
   mDone.clear();
