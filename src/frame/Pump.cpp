@@ -157,6 +157,10 @@ StoppablePart::~StoppablePart() {
   --stoppableParts;
 }
 
+bool PumpingPatience::IsStopAsked() const {
+  return stoppableParts > 0 && gUserAbort;
+}
+
 bool PumpingPatience::KeepWaiting() {
   DoEvents_Fast();
   if (stoppableParts > 0) return !gUserAbort;

@@ -69,6 +69,7 @@ class StoppablePart {
 class PumpingPatience final : public Patience {
  public:
   bool KeepWaiting() override;
+  [[nodiscard]] bool IsStopAsked() const override;
 
  private:
   std::chrono::steady_clock::time_point mWaitBegan;

@@ -76,8 +76,12 @@ constexpr std::array Names = {
     "GetClipboardData",
     "SetClipboardData",
     "CloseClipboard",
+    "GetFileInformationByName",
+    "GetFileInformationByHandleEx",
+    "SetFileInformationByHandle",
+    "SHQueryRecycleBinW",
 };
-static_assert(Names.size() == static_cast<std::size_t>(Operation::CloseClipboard) + 1);
+static_assert(Names.size() == static_cast<std::size_t>(Operation::SHQueryRecycleBinW) + 1);
 
 }  // namespace
 

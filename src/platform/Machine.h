@@ -10,6 +10,7 @@
 #include "platform/Finding.h"
 #include "platform/LocaleAndTime.h"
 #include "platform/Modules.h"
+#include "platform/Pinning.h"
 #include "platform/QueueAndMailbox.h"
 #include "platform/Shell.h"
 #include "platform/SystemConstants.h"
@@ -24,6 +25,8 @@ class Patience {
  public:
   virtual ~Patience() = default;
   virtual bool KeepWaiting() = 0;
+  // Whether the user has asked to stop, for work that goes on but can end early.
+  [[nodiscard]] virtual bool IsStopAsked() const { return false; }
 };
 
 class Machine {
@@ -33,6 +36,7 @@ class Machine {
   virtual Finding& Find() = 0;
   virtual FileInputOutput& Files() = 0;
   virtual DiskChange& Disk() = 0;
+  virtual Pinning& Pins() = 0;
   virtual Volumes& Drives() = 0;
   virtual Access& Security() = 0;
   virtual Shell& Desktop() = 0;

@@ -64,6 +64,9 @@ class Modules : public Role {
   }
   // Whether a person sits at the other end of a standard stream.
   [[nodiscard]] bool IsConsole(StandardStream stream) { return DoIsConsole(stream); }
+  // Whether a standard stream would take a line now, as far as that can be asked without writing
+  // one: a device that is full and a file on a disk without room do not. False with the last error.
+  [[nodiscard]] bool CanTakeOutput(StandardStream stream) { return DoCanTakeOutput(stream); }
   // Has the handler called when a person, or the system, asks the program to end, also while the
   // program waits in a write to a pipe, which then ends early. It may run at any moment and may do
   // little. nullptr gives the system's own way back. False where this cannot be had.
@@ -95,6 +98,7 @@ class Modules : public Role {
   virtual Text DoGetCurrentFolder() = 0;
   virtual SystemVersion DoGetVersion() = 0;
   virtual bool DoIsConsole(StandardStream) { return false; }
+  virtual bool DoCanTakeOutput(StandardStream) { return true; }
   virtual bool DoSetConsoleCtrlHandler(void (*)()) { return false; }
   virtual bool DoIsWow64() = 0;
   virtual bool DoDisableRedirection() = 0;

@@ -76,6 +76,10 @@ enum class Operation : std::uint16_t {
   GetClipboardData,
   SetClipboardData,
   CloseClipboard,
+  GetFileInformationByName,
+  GetFileInformationByHandleEx,
+  SetFileInformationByHandle,
+  SHQueryRecycleBinW,
 };
 
 [[nodiscard]] const char* NameOf(Operation operation);

@@ -92,14 +92,16 @@ bool PatientWorker::IsAnyLeftBehind() {
 }
 
 bool PatientWorker::Run(std::function<void()> job) {
-  return RunOnThread(std::move(job), GivingUp::Allowed);
+  return RunOnThread(std::move(job), GivingUp::Allowed, {});
 }
 
-bool PatientWorker::RunToItsEnd(const std::function<void()>& job) {
-  return RunOnThread(job, GivingUp::Never);
+bool PatientWorker::RunToItsEnd(const std::function<void()>& job,
+                                const std::function<void()>& stop) {
+  return RunOnThread(job, GivingUp::Never, stop);
 }
 
-bool PatientWorker::RunOnThread(std::function<void()> job, GivingUp givingUp) {
+bool PatientWorker::RunOnThread(std::function<void()> job, GivingUp givingUp,
+                                std::function<void()> stop) {
   if (mShared == nullptr) {
     auto fresh = std::make_shared<Shared>();
     try {
@@ -123,9 +125,11 @@ bool PatientWorker::RunOnThread(std::function<void()> job, GivingUp givingUp) {
   while (!shared->changed.wait_for(lock, AskInterval, [&] { return shared->done; })) {
     lock.unlock();
     bool keep = true;
+    bool isStopAsked = false;
     try {
       Patience* const patience = mPatience ? mPatience() : nullptr;
       keep = patience == nullptr || patience->KeepWaiting();
+      isStopAsked = patience != nullptr && patience->IsStopAsked();
     } catch (...) {
       // A job that is waited for may use what the caller owns, so it has to end first.
       interruption = std::current_exception();
@@ -136,6 +140,7 @@ bool PatientWorker::RunOnThread(std::function<void()> job, GivingUp givingUp) {
       if (interruption) std::rethrow_exception(interruption);
       return false;
     }
+    if (isStopAsked && stop) std::exchange(stop, {})();
     lock.lock();
   }
   const std::exception_ptr failure = std::exchange(shared->failure, nullptr);

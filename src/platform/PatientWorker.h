@@ -25,12 +25,14 @@ class PatientWorker {
   // Whether a thread of any worker that was given up still runs.
   [[nodiscard]] static bool IsAnyLeftBehind();
   // Asks the patience as well, so that the program stays alive, but waits for the end whatever it
-  // answers. False when the helper was busy and the job has not been run.
-  [[nodiscard]] bool RunToItsEnd(const std::function<void()>& job);
+  // says. `stop` is called once when the user asks to stop, for a job that can end early by itself.
+  // False when the helper was busy and the job has not been run.
+  [[nodiscard]] bool RunToItsEnd(const std::function<void()>& job,
+                                 const std::function<void()>& stop = {});
 
  private:
   enum class GivingUp { Allowed, Never };
-  bool RunOnThread(std::function<void()> job, GivingUp givingUp);
+  bool RunOnThread(std::function<void()> job, GivingUp givingUp, std::function<void()> stop);
   struct Shared;
   static void Work(const std::shared_ptr<Shared>& shared);
   void LetGo();

@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "platform/CallHook.h"
+#include "platform/SystemErrors.h"
 #include "platform/SystemTypes.h"
 
 namespace quillmarsh {
@@ -29,6 +30,13 @@ inline constexpr std::uint16_t FOF_NOERRORUI = 0x400;
 inline constexpr std::int32_t DE_ACCESSDENIEDSRC = 120;
 inline constexpr std::int32_t DE_PATHTOODEEP = 121;
 inline constexpr std::int32_t DE_INVALIDFILES = 124;
+
+// The system's code that says the same, for the codes that are not of the system.
+[[nodiscard]] constexpr std::uint32_t SystemCodeOfShellCode(std::int32_t code) {
+  if (code == DE_ACCESSDENIEDSRC) return ERROR_ACCESS_DENIED;
+  if (code == DE_PATHTOODEEP) return ERROR_FILENAME_EXCED_RANGE;
+  return code == DE_INVALIDFILES ? ERROR_BAD_PATHNAME : static_cast<std::uint32_t>(code);
+}
 
 // What SHFileOperationW is told and tells.
 struct SHFILEOPSTRUCTW {

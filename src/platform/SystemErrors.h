@@ -45,6 +45,7 @@ inline constexpr std::uint32_t ERROR_FILE_TOO_LARGE = 223;
 inline constexpr std::uint32_t ERROR_DIRECTORY = 267;
 inline constexpr std::uint32_t ERROR_ARITHMETIC_OVERFLOW = 534;
 inline constexpr std::uint32_t ERROR_OPERATION_ABORTED = 995;
+inline constexpr std::uint32_t ERROR_FILE_INVALID = 1006;
 inline constexpr std::uint32_t ERROR_IO_DEVICE = 1117;
 inline constexpr std::uint32_t ERROR_NO_ASSOCIATION = 1155;
 inline constexpr std::uint32_t ERROR_CLIPBOARD_NOT_OPEN = 1418;

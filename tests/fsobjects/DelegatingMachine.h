@@ -17,6 +17,7 @@ class DelegatingMachine : public Machine {
   Finding& Find() override { return mRest.Find(); }
   FileInputOutput& Files() override { return mRest.Files(); }
   DiskChange& Disk() override { return mRest.Disk(); }
+  Pinning& Pins() override { return mRest.Pins(); }
   Volumes& Drives() override { return mRest.Drives(); }
   Access& Security() override { return mRest.Security(); }
   Shell& Desktop() override { return mRest.Desktop(); }

@@ -33,12 +33,16 @@ class ChangePermit {
 
   // False when a system call is under way, so that its change may still come to pass.
   bool Withdraw() { return mState.exchange(State::Withdrawn) != State::InUse; }
-  // For long work that only prepares a change.
   [[nodiscard]] bool IsWithdrawn() const { return mState == State::Withdrawn; }
+  // Asks a job that only prepares a change to end. It may still clean up.
+  void AskToStop() { mIsToStop = true; }
+  // For long work that only prepares a change.
+  [[nodiscard]] bool IsToStop() const { return mIsToStop || IsWithdrawn(); }
 
  private:
   enum class State { Free, InUse, Withdrawn };
   std::atomic<State> mState{State::Free};
+  std::atomic<bool> mIsToStop{false};
 };
 
 // Withdraws a permit at its own end, also when something is raised: whoever stops waiting for a

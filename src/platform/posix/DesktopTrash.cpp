@@ -25,19 +25,6 @@ namespace {
 constexpr long LongestName = 255;
 constexpr int HeldOnly = O_PATH | O_NOFOLLOW | O_CLOEXEC;
 
-// 0, or the code with which the source's folder lets nothing go. Asked beforehand, so that nothing
-// is copied in vain.
-std::uint32_t WhyNotTakenAway(const FolderEntry& source) {
-  const int folder = source.folder.Get();
-  if (::faccessat(folder, ".", W_OK | X_OK, AT_EACCESS) != 0) return SystemErrorFromErrno(errno);
-  struct stat facts {};
-  if (::fstat(folder, &facts) != 0) return SystemErrorFromErrno(errno);
-  const uid_t user = ::geteuid();
-  const bool mayTake = (facts.st_mode & S_ISVTX) == 0 || user == 0 || facts.st_uid == user ||
-                       source.entry.facts.stx_uid == user;
-  return mayTake ? ERROR_SUCCESS : ERROR_ACCESS_DENIED;
-}
-
 std::uint32_t CheckSource(const TrashRequest& request, const FolderEntry& source) {
   if (!source.exists) return ERROR_FILE_NOT_FOUND;
   if (request.source.path.endsInBackslash && !source.IsFolder()) return ERROR_INVALID_NAME;
@@ -60,6 +47,9 @@ struct Trashing {
                              ? JoinNative(request.source.drive->mount->point, relative)
                              : relative,
                          moment);
+  }
+  [[nodiscard]] const std::string& EntryName() const {
+    return request.pin != nullptr ? request.pin->home.name : source.name;
   }
   // Whether the name still leads to what was to be trashed. Answers an errno.
   [[nodiscard]] int LookForSource(bool& isThere) const {
@@ -98,7 +88,17 @@ std::uint32_t CheckArrival(const Trashing& trashing, const FolderEntry& target, 
   return isThere ? ERROR_ACCESS_DENIED : ERROR_SUCCESS;
 }
 
+// The pin itself looks at what arrives.
+std::uint32_t BringPinned(const Trashing& trashing, const FolderEntry& target, TrashNote& note) {
+  const std::uint32_t code =
+      RenamePinned(trashing.folders, *trashing.request.pin, target, trashing.permit);
+  if (code == ERROR_SUCCESS || (code != ERROR_ALREADY_EXISTS && LookFor(target) != ENOENT))
+    note.Keep();
+  return code;
+}
+
 std::uint32_t BringByRename(const Trashing& trashing, const FolderEntry& target, TrashNote& note) {
+  if (trashing.request.pin != nullptr) return BringPinned(trashing, target, note);
   const int error = RenameToFreeName(trashing.source, target, trashing.permit);
   if (error == EXDEV) return ERROR_NOT_SAME_DEVICE;
   if (error == 0) return CheckArrival(trashing, target, note);
@@ -107,7 +107,26 @@ std::uint32_t BringByRename(const Trashing& trashing, const FolderEntry& target,
   return SystemErrorFromErrno(error);
 }
 
+CopyRequest CopyInto(const Trashing& trashing, const FolderEntry& target) {
+  CopyRequest copy;
+  copy.source = trashing.request.source;
+  copy.target = trashing.request.home;
+  copy.pin = trashing.request.pin;
+  std::string& path = copy.target.path.relative;
+  path = JoinRelative(JoinRelative(path, "files"), target.name);
+  copy.target.path.endsInBackslash = false;  // a trash that is a whole drive does
+  copy.codeIfExists = ERROR_ALREADY_EXISTS;
+  return copy;
+}
+
 std::uint32_t BringByCopy(const Trashing& trashing, const FolderEntry& target, TrashNote& note) {
+  const CopyRequest copy = CopyInto(trashing, target);
+  if (copy.pin != nullptr) {
+    const std::uint32_t code = MovePinnedByCopy(trashing.folders, copy, trashing.permit);
+    if (code == ERROR_SUCCESS || (code != ERROR_ALREADY_EXISTS && LookFor(target) != ENOENT))
+      note.Keep();
+    return code;
+  }
   // Held open, so that a file that is made under the old name cannot get the old number.
   FolderEntry held = trashing.source;
   const UniqueFd file(::openat(held.folder.Get(), held.name.c_str(), HeldOnly));
@@ -115,13 +134,6 @@ std::uint32_t BringByCopy(const Trashing& trashing, const FolderEntry& target, T
   if (::statx(file.Get(), "", AT_EMPTY_PATH, FactsWanted, &held.entry.facts) != 0)
     return SystemErrorFromErrno(errno);
   if (!held.IsSameFileAs(trashing.source)) return ERROR_SHARING_VIOLATION;
-  CopyRequest copy;
-  copy.source = trashing.request.source;
-  copy.target = trashing.request.home;
-  std::string& path = copy.target.path.relative;
-  path = JoinRelative(JoinRelative(path, "files"), target.name);
-  copy.target.path.endsInBackslash = false;  // a trash that is a whole drive does
-  copy.codeIfExists = ERROR_ALREADY_EXISTS;
   const std::uint32_t code = MoveByCopy(trashing.folders, copy, trashing.permit);
   if (code != ERROR_SUCCESS) {
     if (code != ERROR_ALREADY_EXISTS && LookFor(target) != ENOENT) note.Keep();
@@ -143,7 +155,7 @@ std::uint32_t BringTo(const Trashing& trashing, const TrashPlace& place, TrashKi
   FolderEntry target;
   target.folder = place.files;
   for (int attempt = 1; attempt <= MostTrashNames; ++attempt) {
-    target.name = TrashName(trashing.source.name, attempt, static_cast<std::size_t>(longest));
+    target.name = TrashName(trashing.EntryName(), attempt, static_cast<std::size_t>(longest));
     TrashNote note(place.info.Get(), target.name, trashing.permit);
     const int error = note.Write(text);
     const std::uint32_t code =
@@ -186,7 +198,10 @@ std::uint32_t SendToTrash(OpenFolders& folders, const TrashRequest& request, Cha
   if (request.source.path.relative.empty() || TouchesTrash(request.source, request.home))
     return ERROR_BAD_PATHNAME;
   Trashing trashing{folders, request, permit, {}, {}};
-  if (const auto error = OpenEntry(folders, request.source, trashing.source)) return error;
+  if (request.pin != nullptr)
+    trashing.source = request.pin->place;
+  else if (const auto error = OpenEntry(folders, request.source, trashing.source))
+    return error;
   if (const auto error = CheckSource(request, trashing.source)) return error;
   const std::time_t now = std::time(nullptr);
   (void)::localtime_r(&now, &trashing.moment);
@@ -194,7 +209,8 @@ std::uint32_t SendToTrash(OpenFolders& folders, const TrashRequest& request, Cha
   std::uint32_t code = ERROR_SUCCESS;
   for (const Way& way : WaysFor(request, trashing.source)) {
     code = TryTrash(trashing, way.kind, way.bring);
-    if (code == ERROR_SUCCESS || permit.IsWithdrawn()) return code;
+    const bool isDecided = code == ERROR_FILE_INVALID || code == ERROR_SHARING_VIOLATION;
+    if (code == ERROR_SUCCESS || permit.IsToStop() || isDecided) return code;
     // Nothing more is tried with what is not surely where it was.
     bool isThere = false;
     if (const int error = trashing.LookForSource(isThere)) return SystemErrorFromErrno(error);

@@ -4,14 +4,14 @@
 // thread may call them.
 #pragma once
 
-#include "platform/posix/ChangePermit.h"
-#include "platform/posix/OpenFolders.h"
+#include "platform/posix/PinnedEntry.h"
 
 namespace quillmarsh {
 
 struct TrashRequest {
   Located source;
   Located home;  // the home trash, which need not exist; without a drive where there is none
+  PinnedEntry* pin = nullptr;  // the source, where it is held already
 };
 
 // Tries the home trash for what lies on its drive, the trashes at the top of the source's volume,

@@ -4,6 +4,7 @@
 #include "platform/posix/FileCopying.h"
 
 #include <fcntl.h>
+#include <sys/file.h>
 #include <sys/random.h>
 #include <sys/stat.h>
 #include <sys/sysmacros.h>
@@ -14,6 +15,7 @@
 #include <cstring>
 #include <vector>
 
+#include "base/OwnFiles.h"
 #include "platform/posix/CarriedFacts.h"
 #include "platform/posix/ErrnoCodes.h"
 #include "platform/posix/FileOpening.h"
@@ -53,13 +55,15 @@ class TemporaryFile {
     for (int attempt = 0; attempt < MostAttempts && error == EEXIST; ++attempt) {
       std::uint64_t number = 0;
       if (::getrandom(&number, sizeof number, 0) != sizeof number) return errno;
-      mName = ".quillmarsh-" + std::to_string(number) + ".part";
+      mName = ToUtf8(OwnFileName(OwnFile::Part, number));
       error = permit.Use([&] {
         mFile.Reset(::openat(mFolder, mName.c_str(),
                              O_RDWR | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, 0600));
         return mFile ? 0 : -1;
       });
     }
+    // By its lock a later run sees that the file is still being written.
+    if (error == 0) (void)::flock(mFile.Get(), LOCK_EX | LOCK_NB);
     return error;
   }
   [[nodiscard]] int Fd() const { return mFile.Get(); }
@@ -90,9 +94,11 @@ bool IsAllZero(const Block& block, std::size_t size) {
 
 struct Copying {
   FolderEntry target;
-  OpenedFile file;       // the source
+  OpenedFile opened;  // the source, where it is not pinned
+  int source = -1;
   struct stat facts {};  // of the source when it was opened
   bool sourceGoes = false;
+  struct stat made {};  // the copy
 };
 
 std::size_t PartOf(const Block& block, std::int64_t rest) {
@@ -106,11 +112,10 @@ int CopyBytes(const Copying& copying, int to, const ChangePermit& permit, std::i
   const bool hasHoles = copying.facts.st_blocks * 512 < most;
   Block block(BlockSize);
   for (size = 0; size < most;) {
-    if (permit.IsWithdrawn()) return ECANCELED;
+    if (permit.IsToStop()) return ECANCELED;
     const std::size_t wanted = PartOf(block, most - size);
     std::size_t got = 0;
-    if (const int error = ReadFully(copying.file.fd.Get(), block.data(), wanted, size, got))
-      return error;
+    if (const int error = ReadFully(copying.source, block.data(), wanted, size, got)) return error;
     if (got == 0) break;
     if (!hasHoles || !IsAllZero(block, got))
       if (const int error = WriteBlock(to, block.data(), got, size)) return error;
@@ -122,7 +127,7 @@ int CopyBytes(const Copying& copying, int to, const ChangePermit& permit, std::i
 // 32 where the source is not what was opened any more.
 std::uint32_t CheckUnchanged(const Copying& copying) {
   struct stat now {};
-  if (::fstat(copying.file.fd.Get(), &now) != 0) return SystemErrorFromErrno(errno);
+  if (::fstat(copying.source, &now) != 0) return SystemErrorFromErrno(errno);
   return IsUnchanged(now, copying.facts) ? ERROR_SUCCESS : ERROR_SHARING_VIOLATION;
 }
 
@@ -131,7 +136,7 @@ std::uint32_t CheckUnchanged(const Copying& copying) {
 std::uint32_t CheckEnd(const Copying& copying) {
   std::byte next{};
   std::size_t got = 0;
-  const int source = copying.file.fd.Get();
+  const int source = copying.source;
   if (const int error = ReadFully(source, &next, 1, copying.facts.st_size, got))
     return SystemErrorFromErrno(error);
   if (got == 0) return ERROR_SUCCESS;
@@ -149,11 +154,11 @@ std::uint32_t Compare(const Copying& copying, int copy, const ChangePermit& perm
   Block first(BlockSize);
   Block second(BlockSize);
   for (std::int64_t position = 0; position < size;) {
-    if (permit.IsWithdrawn()) return ERROR_OPERATION_ABORTED;
+    if (permit.IsToStop()) return ERROR_OPERATION_ABORTED;
     const std::size_t wanted = PartOf(first, size - position);
     std::size_t gotFirst = 0;
     std::size_t gotSecond = 0;
-    const int source = copying.file.fd.Get();
+    const int source = copying.source;
     if (const int error = ReadFully(source, first.data(), wanted, position, gotFirst))
       return SystemErrorFromErrno(error);
     if (const int error = ReadFully(copy, second.data(), wanted, position, gotSecond))
@@ -170,7 +175,7 @@ std::uint32_t Compare(const Copying& copying, int copy, const ChangePermit& perm
 }
 
 // Fills the temporary file and brings it to the disk. Answers a code.
-std::uint32_t FillTemporary(const Copying& copying, const TemporaryFile& temporary,
+std::uint32_t FillTemporary(Copying& copying, const TemporaryFile& temporary,
                             const ChangePermit& permit) {
   std::int64_t size = 0;
   if (const int error = CopyBytes(copying, temporary.Fd(), permit, size))
@@ -180,15 +185,16 @@ std::uint32_t FillTemporary(const Copying& copying, const TemporaryFile& tempora
   if (copying.sourceGoes)
     if (const std::uint32_t code = CheckUnchanged(copying)) return code;
   if (copying.sourceGoes)
-    CarryFactsOfMove(copying.file.fd.Get(), copying.facts, temporary.Fd());
+    CarryFactsOfMove(copying.source, copying.facts, temporary.Fd());
   else
-    CarryFactsOfCopy(copying.file.fd.Get(), copying.facts, temporary.Fd());
+    CarryFactsOfCopy(copying.source, copying.facts, temporary.Fd());
   if (::fsync(temporary.Fd()) != 0) return SystemErrorFromErrno(errno);
   if (copying.sourceGoes)
     if (const std::uint32_t code = Compare(copying, temporary.Fd(), permit, size)) return code;
-  struct stat made {};
-  if (::fstat(temporary.Fd(), &made) != 0) return SystemErrorFromErrno(errno);
-  if (made.st_size != size) return ERROR_IO_DEVICE;
+  if (::fstat(temporary.Fd(), &copying.made) != 0) return SystemErrorFromErrno(errno);
+  if (copying.made.st_size != size) return ERROR_IO_DEVICE;
+  // Up to here a stop leaves everything as it was.
+  if (permit.IsToStop()) return ERROR_OPERATION_ABORTED;
   return copying.sourceGoes ? CheckUnchanged(copying) : ERROR_SUCCESS;
 }
 
@@ -231,8 +237,11 @@ std::uint32_t Copy(OpenFolders& folders, const CopyRequest& request, ChangePermi
                    Copying& copying) {
   const OpenRequest reading{GENERIC_READ, OPEN_EXISTING, 0};
   const PathResolver& resolver = folders.Resolver();
-  if (const auto error = OpenFileAt(resolver, request.source, reading, copying.file)) return error;
-  if (::fstat(copying.file.fd.Get(), &copying.facts) != 0) return SystemErrorFromErrno(errno);
+  if (request.pin == nullptr)
+    if (const auto error = OpenFileAt(resolver, request.source, reading, copying.opened))
+      return error;
+  copying.source = request.pin != nullptr ? request.pin->file.Get() : copying.opened.fd.Get();
+  if (::fstat(copying.source, &copying.facts) != 0) return SystemErrorFromErrno(errno);
   if (request.targetError != 0) return request.targetError;
   if (request.target.path.relative.empty())
     return request.replaces ? ERROR_ACCESS_DENIED : request.codeIfExists;
@@ -264,6 +273,24 @@ void DeleteSource(OpenFolders& folders, const CopyRequest& request, ChangePermit
     (void)permit.Use([&] { return ::unlinkat(source.folder.Get(), source.name.c_str(), 0); });
 }
 
+// Of the copy that was made here, and nothing else.
+void TakeCopyBack(const Copying& copying, ChangePermit& permit) {
+  FolderEntry copy = copying.target;
+  const bool isIt = LookAtItself(copy) == 0 && copy.entry.facts.stx_ino == copying.made.st_ino &&
+                    copy.entry.facts.stx_dev_major == major(copying.made.st_dev) &&
+                    copy.entry.facts.stx_dev_minor == minor(copying.made.st_dev);
+  if (isIt) (void)permit.Use([&] { return ::unlinkat(copy.folder.Get(), copy.name.c_str(), 0); });
+}
+
+// Until the new name is on the disk for sure, and with it every folder on the way, the old one
+// stays.
+std::uint32_t SyncTarget(const Copying& copying) {
+  const int folder = copying.target.folder.Get();
+  int error = SyncFolder(folder);
+  if (error == 0) error = SyncFileSystem(folder);
+  return SystemErrorFromErrno(error);
+}
+
 }  // namespace
 
 std::uint32_t CopyToTarget(OpenFolders& folders, const CopyRequest& request, ChangePermit& permit) {
@@ -277,12 +304,43 @@ std::uint32_t MoveByCopy(OpenFolders& folders, const CopyRequest& request, Chang
   Copying copying;
   copying.sourceGoes = true;
   if (const auto error = Copy(folders, request, permit, copying)) return error;
-  // Until the new name is on the disk for sure, and with it every folder on the way, the old one
-  // stays.
-  const int folder = copying.target.folder.Get();
-  if (SyncFolder(folder) == 0 && SyncFileSystem(folder) == 0)
-    DeleteSource(folders, request, permit, copying);
+  if (SyncTarget(copying) == ERROR_SUCCESS) DeleteSource(folders, request, permit, copying);
   return permit.IsWithdrawn() ? ERROR_OPERATION_ABORTED : ERROR_SUCCESS;
+}
+
+std::uint32_t MovePinnedByCopy(OpenFolders& folders, const CopyRequest& request,
+                               ChangePermit& permit) {
+  PinnedEntry& pin = *request.pin;
+  if (const std::uint32_t code = WhyNotTakenAway(pin.place)) return code;
+  Copying copying;
+  copying.sourceGoes = true;
+  if (const auto error = Copy(folders, request, permit, copying)) return error;
+  std::uint32_t code = SyncTarget(copying);
+  if (code == ERROR_SUCCESS && !pin.isAside) code = TakePinnedAside(folders, pin, permit);
+  if (code == ERROR_SUCCESS) code = DeletePinned(pin, permit);
+  if (code == ERROR_SUCCESS) return code;
+  if (pin.isAside && !permit.IsWithdrawn()) (void)PutPinnedBack(pin, permit);
+  TakeCopyBack(copying, permit);
+  return code;
+}
+
+std::uint32_t RestorePinned(PinnedEntry& pin, ChangePermit& permit) {
+  Copying copying;
+  copying.sourceGoes = true;
+  copying.source = pin.file.Get();
+  copying.target = pin.home;
+  if (::fstat(copying.source, &copying.facts) != 0) return SystemErrorFromErrno(errno);
+  TemporaryFile temporary(pin.home.folder.Get());
+  if (const int error = temporary.Make(permit)) return SystemErrorFromErrno(error);
+  if (const std::uint32_t code = FillTemporary(copying, temporary, permit)) return code;
+  FolderEntry from = pin.home;
+  from.name = temporary.Name();
+  from.entry.facts.stx_mode = S_IFREG;
+  if (const int error = RenameToFreeName(from, copying.target, permit))
+    return SystemErrorFromErrno(error);
+  temporary.Keep();
+  (void)SyncFolder(pin.home.folder.Get());
+  return ERROR_SUCCESS;
 }
 
 }  // namespace quillmarsh

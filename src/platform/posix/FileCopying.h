@@ -4,7 +4,7 @@
 // them.
 #pragma once
 
-#include "platform/posix/FolderEntry.h"
+#include "platform/posix/PinnedEntry.h"
 
 namespace quillmarsh {
 
@@ -14,9 +14,10 @@ struct CopyRequest {
   std::uint32_t targetError = 0;  // of a target path that leads nowhere; the source's goes first
   bool replaces = false;
   std::uint32_t codeIfExists = 0;  // of a target that may not be replaced
+  PinnedEntry* pin = nullptr;      // the source, where it is held already
 };
 
-// Both answer a code and leave no temporary file. Without leave nothing is put into place and no
+// Both answer a code and leave no temporary file. Without a permit nothing is put into place and no
 // source deleted (995).
 // The target becomes a copy of the source, which must be a file, with the size that it has at the
 // beginning, however fast it grows.
@@ -27,5 +28,11 @@ struct CopyRequest {
 // be, which is no failure.
 [[nodiscard]] std::uint32_t MoveByCopy(OpenFolders& folders, const CopyRequest& request,
                                        ChangePermit& permit);
+// The same for a pinned source, which must be gone at the end: where it cannot be removed, the copy
+// is taken back and the reason returned.
+[[nodiscard]] std::uint32_t MovePinnedByCopy(OpenFolders& folders, const CopyRequest& request,
+                                             ChangePermit& permit);
+// Makes a deleted file again at its old place, out of its pin.
+[[nodiscard]] std::uint32_t RestorePinned(PinnedEntry& pin, ChangePermit& permit);
 
 }  // namespace quillmarsh

@@ -6,13 +6,19 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cerrno>
+#include <cstring>
+#include <limits>
+#include <vector>
 
 #include "platform/posix/CarriedFacts.h"
 #include "platform/posix/ErrnoCodes.h"
 
 namespace quillmarsh {
 namespace {
+
+constexpr std::size_t MostBytes = std::numeric_limits<std::uint32_t>::max();
 
 bool Writes(const OpenRequest& request) {
   return (request.access & (GENERIC_WRITE | FILE_APPEND_DATA)) != 0;
@@ -152,6 +158,34 @@ int ReadFully(int fd, std::byte* buffer, std::size_t size, std::int64_t position
     done += static_cast<std::size_t>(got);
   }
   return 0;
+}
+
+std::uint32_t ReadOnItsThread(PosixContext& context, bool answers,
+                              const std::shared_ptr<const UniqueFd>& file, std::int64_t position,
+                              std::span<std::byte> buffer, std::uint32_t& done) {
+  std::size_t count = 0;
+  if (answers) {
+    const std::size_t size = std::min(buffer.size(), MostBytes);
+    const int error = ReadFully(file->Get(), buffer.data(), size, position, count);
+    if (error != 0) return SystemErrorFromErrno(error);
+  } else {
+    // A read that is given up goes on into memory of its own.
+    std::vector<std::byte> bytes;
+    const std::size_t size = std::min(buffer.size(), MostBytesForHelper);
+    const std::uint32_t code =
+        context.Run(false, bytes, [file, size, position](std::vector<std::byte>& result) {
+          std::size_t got = 0;
+          result.resize(size);
+          const int failed = ReadFully(file->Get(), result.data(), size, position, got);
+          result.resize(got);
+          return SystemErrorFromErrno(failed);
+        });
+    if (code != ERROR_SUCCESS) return code;
+    count = bytes.size();
+    if (count > 0) std::memcpy(buffer.data(), bytes.data(), count);
+  }
+  done = static_cast<std::uint32_t>(count);
+  return ERROR_SUCCESS;
 }
 
 }  // namespace quillmarsh

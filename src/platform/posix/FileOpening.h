@@ -4,10 +4,15 @@
 // Functions without state; any thread may call them.
 #pragma once
 
+#include <span>
+
 #include "platform/posix/ChangePermit.h"
 #include "platform/posix/PosixContext.h"
 
 namespace quillmarsh {
+
+// What a helper reads or writes in one go; it needs memory of its own.
+inline constexpr std::size_t MostBytesForHelper = std::size_t{8} << 20U;
 
 struct OpenRequest {
   std::uint32_t access = 0;       // GENERIC_..., FILE_APPEND_DATA
@@ -42,5 +47,12 @@ struct OpenedFile {
 // Reads until the buffer is full or the file ends. Answers an errno; `done` counts what was read.
 [[nodiscard]] int ReadFully(int fd, std::byte* buffer, std::size_t size, std::int64_t position,
                             std::size_t& done);
+
+// The same for a file of a file system that may not answer: there a helper reads, into memory of
+// its own, at most some megabytes at a time. Returns a code.
+[[nodiscard]] std::uint32_t ReadOnItsThread(PosixContext& context, bool answers,
+                                            const std::shared_ptr<const UniqueFd>& file,
+                                            std::int64_t position, std::span<std::byte> buffer,
+                                            std::uint32_t& done);
 
 }  // namespace quillmarsh

@@ -12,15 +12,17 @@ struct Row {
   FileSystemKind kind;
 };
 
-constexpr FileSystemKind Disk = {true, true, false, DRIVE_FIXED};
-constexpr FileSystemKind FoldingDisk = {true, true, true, DRIVE_FIXED};
-constexpr FileSystemKind Disc = {true, true, false, DRIVE_CDROM};
-constexpr FileSystemKind Memory = {true, true, false, DRIVE_RAMDISK};
+constexpr FileSystemKind Disk = {true, true, false, DRIVE_FIXED, true};
+constexpr FileSystemKind FoldingDisk = {true, true, true, DRIVE_FIXED, true};
+constexpr FileSystemKind StackedDisk = {true, true, false, DRIVE_FIXED};
+constexpr FileSystemKind Disc = {true, true, false, DRIVE_CDROM, true};
+constexpr FileSystemKind Memory = {true, true, false, DRIVE_RAMDISK, true};
 constexpr FileSystemKind Network = {true, false, false, DRIVE_REMOTE};
 constexpr FileSystemKind FoldingNetwork = {true, false, true, DRIVE_REMOTE};
 constexpr FileSystemKind FuseDisk = {true, false, false, DRIVE_FIXED};
 // Only ever met as the root of a container or a live system.
 constexpr FileSystemKind SystemImage = {false, true, false, DRIVE_FIXED};
+constexpr FileSystemKind MemoryImage = {false, true, false, DRIVE_RAMDISK, true};
 constexpr FileSystemKind Service = {false, false, false, DRIVE_UNKNOWN};
 
 constexpr Row Table[] = {
@@ -39,7 +41,7 @@ constexpr Row Table[] = {
     {"minix", Disk},
     {"ntfs", Disk},
     {"ntfs3", Disk},
-    {"ecryptfs", Disk},
+    {"ecryptfs", StackedDisk},
     {"vfat", FoldingDisk},
     {"msdos", FoldingDisk},
     {"exfat", FoldingDisk},
@@ -71,7 +73,7 @@ constexpr Row Table[] = {
     {"squashfs", SystemImage},
     {"erofs", SystemImage},
     {"rootfs", SystemImage},
-    {"ramfs", SystemImage},
+    {"ramfs", MemoryImage},
     {"fuse.portal", Service},
     {"fuse.lxcfs", Service},
     {"fuse.snapfuse", Service},

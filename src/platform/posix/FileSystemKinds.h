@@ -13,6 +13,8 @@ struct FileSystemKind {
   bool answers = false;     // local: calls return without waiting for another process or machine
   bool foldsCase = false;   // a.txt and A.TXT are one entry
   std::uint32_t driveType = 0;  // DRIVE_..., before the device is asked whether it is removable
+  // The file numbers are its own: not made up, and not those of another file system below it.
+  bool hasOwnNumbers = false;
 };
 
 [[nodiscard]] FileSystemKind KindOfFileSystem(std::string_view type);

@@ -13,6 +13,7 @@
 
 #include "platform/PatientWorker.h"
 #include "platform/SystemConstants.h"
+#include "platform/posix/ChangePermit.h"
 #include "platform/posix/OpenFolders.h"
 #include "platform/posix/StatxFacts.h"
 
@@ -58,14 +59,16 @@ class PosixContext {
     return outcome->code;
   }
 
-  // The same for what takes its time also where the file system answers: always on the helper, so
-  // that the program stays alive meanwhile, but there it is never given up.
+  // The same for what takes its time even if the file system answers: always on the helper, so that
+  // the program stays alive meanwhile. There it is never given up; when the user asks to stop, the
+  // permit tells the job so, and its end is waited for.
   template <typename Result, typename Job>
-  [[nodiscard]] std::uint32_t RunLong(bool answers, Result& result, Job job) {
+  [[nodiscard]] std::uint32_t RunLong(bool answers, Result& result,
+                                      const std::shared_ptr<ChangePermit>& permit, Job job) {
     if (!answers) return Run(false, result, std::move(job));
     std::uint32_t code = 0;
     const auto work = [&] { code = job(result); };
-    if (!worker.RunToItsEnd(work)) work();
+    if (!worker.RunToItsEnd(work, [permit] { permit->AskToStop(); })) work();
     return code;
   }
 

@@ -129,7 +129,7 @@ std::uint32_t PosixDisk::RunOnTarget(TargetChange change) {
       if (done) others.Protect(*permit);
       return code;
     };
-    return isLong ? mContext.RunLong(answers, isDoneWith, std::move(job))
+    return isLong ? mContext.RunLong(answers, isDoneWith, permit, std::move(job))
                   : mContext.Run(answers, isDoneWith, std::move(job));
   });
   if (isDoneWith) mLifted.reset();

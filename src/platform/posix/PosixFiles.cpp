@@ -25,8 +25,6 @@ namespace quillmarsh {
 namespace {
 
 constexpr std::size_t MostBytes = std::numeric_limits<std::uint32_t>::max();
-// What a helper reads or writes in one go; it needs memory of its own.
-constexpr std::size_t MostBytesForHelper = std::size_t{8} << 20U;
 
 int WriteFully(int fd, const std::byte* bytes, std::size_t size, std::int64_t position,
                bool appends, std::size_t& done) {
@@ -187,27 +185,11 @@ std::uint32_t PosixFiles::ReadBytes(const OpenFile& file, std::int64_t position,
   const std::size_t fromHead = count;
   buffer = buffer.subspan(fromHead);
   position += static_cast<std::int64_t>(fromHead);
-  if (file.answers) {
-    const std::size_t size = std::min(buffer.size(), MostBytes);
-    if (const int error = ReadFully(file.fd->Get(), buffer.data(), size, position, count))
-      return SystemErrorFromErrno(error);
-  } else {
-    // A read that is given up goes on into memory of its own.
-    std::vector<std::byte> bytes;
-    const std::size_t size = std::min(buffer.size(), MostBytesForHelper);
-    const std::uint32_t error =
-        mContext.Run(false, bytes, [fd = file.fd, size, position](std::vector<std::byte>& result) {
-          std::size_t got = 0;
-          result.resize(size);
-          const int failed = ReadFully(fd->Get(), result.data(), size, position, got);
-          result.resize(got);
-          return SystemErrorFromErrno(failed);
-        });
-    if (error != 0) return error;
-    count = bytes.size();
-    if (count > 0) std::memcpy(buffer.data(), bytes.data(), count);
-  }
-  done = static_cast<std::uint32_t>(fromHead + count);
+  std::uint32_t got = 0;
+  if (const std::uint32_t error =
+          ReadOnItsThread(mContext, file.answers, file.fd, position, buffer, got))
+    return error;
+  done = static_cast<std::uint32_t>(fromHead) + got;
   return ERROR_SUCCESS;
 }
 

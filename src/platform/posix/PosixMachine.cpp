@@ -4,6 +4,7 @@
 
 #include "platform/posix/PosixFiles.h"
 #include "platform/posix/PosixFinding.h"
+#include "platform/posix/PosixPinning.h"
 #include "platform/posix/PosixRoles.h"
 #include "platform/posix/PosixShell.h"
 #include "platform/posix/PosixVolumes.h"
@@ -55,7 +56,8 @@ struct PosixMachine::Roles {
         versions(calls, context),
         process(calls, context),
         locale(calls),
-        queue(calls, options.queueStatus) {}
+        queue(calls, options.queueStatus),
+        pins(calls, context, desktop) {}
 
   UserFolders folders;
   PosixContext context;
@@ -69,6 +71,7 @@ struct PosixMachine::Roles {
   PosixModules process;
   PosixLocale locale;
   PosixQueue queue;
+  PosixPinning pins;
 };
 
 PosixMachine::PosixMachine(const PosixOptions& options)
@@ -84,6 +87,9 @@ FileInputOutput& PosixMachine::Files() {
 }
 DiskChange& PosixMachine::Disk() {
   return mRoles->disk;
+}
+Pinning& PosixMachine::Pins() {
+  return mRoles->pins;
 }
 Volumes& PosixMachine::Drives() {
   return mRoles->drives;

@@ -44,6 +44,7 @@ class PosixMachine final : public Machine {
   Finding& Find() override;
   FileInputOutput& Files() override;
   DiskChange& Disk() override;
+  Pinning& Pins() override;
   Volumes& Drives() override;
   Access& Security() override;
   Shell& Desktop() override;

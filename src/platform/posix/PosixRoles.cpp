@@ -3,6 +3,8 @@
 #include "platform/posix/PosixRoles.h"
 
 #include <fcntl.h>
+#include <sys/stat.h>
+#include <sys/statvfs.h>
 #include <time.h>
 #include <unistd.h>
 
@@ -213,6 +215,17 @@ bool PosixModules::DoSetConsoleCtrlHandler(void (*handler)()) {
 
 bool PosixModules::DoIsConsole(StandardStream stream) {
   return isatty(static_cast<int>(stream)) == 1;
+}
+
+// A write of nothing fails on a full device as a line would.
+bool PosixModules::DoCanTakeOutput(StandardStream stream) {
+  const int output = static_cast<int>(stream);
+  struct stat facts {};
+  struct statvfs room {};
+  if (::write(output, "", 0) < 0) return Fail(SystemErrorFromErrno(errno), false);
+  const bool isFile = ::fstat(output, &facts) == 0 && S_ISREG(facts.st_mode);
+  const bool isFull = isFile && ::fstatvfs(output, &room) == 0 && room.f_bavail == 0;
+  return !isFull || Fail(ERROR_DISK_FULL, false);
 }
 
 PosixLocale::PosixLocale(CallState& state) : LocaleAndTime(state), mTexts(ReadLocaleTexts()) {}

@@ -104,6 +104,7 @@ class PosixModules final : public Modules {
   bool DoFreeLibrary(HANDLE module) override;
   SystemVersion DoGetVersion() override;
   bool DoIsConsole(StandardStream stream) override;
+  bool DoCanTakeOutput(StandardStream stream) override;
   bool DoSetConsoleCtrlHandler(void (*handler)()) override;
   bool DoIsWow64() override { return false; }
   // There is nothing to redirect; both succeed, so that callers that count stay in balance.

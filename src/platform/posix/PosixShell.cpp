@@ -229,9 +229,11 @@ std::uint32_t PosixShell::SendToBin(TextView path, const Located& homeTrash) {
                        (homeTrash.drive == nullptr || homeTrash.drive->kind.answers);
   char nothing = 0;
   return WithPermit([&](const std::shared_ptr<ChangePermit>& permit) {
-    return mContext.RunLong(answers, nothing, [folders = mContext.folders, request, permit](char&) {
-      return SparingDescriptors(*folders, [&] { return SendToTrash(*folders, request, *permit); });
-    });
+    return mContext.RunLong(
+        answers, nothing, permit, [folders = mContext.folders, request, permit](char&) {
+          return SparingDescriptors(*folders,
+                                    [&] { return SendToTrash(*folders, request, *permit); });
+        });
   });
 }
 

@@ -24,6 +24,9 @@ class PosixShell final : public Shell {
  public:
   PosixShell(CallState& state, PosixContext& context, UserFolders folders);
 
+  // Without a drive, and with a code, where there is none that has a letter.
+  Located HomeTrash(std::uint32_t& error);
+
  private:
   Text DoGetFolder(std::int32_t csidl) override;
   Text DoGetItemPath(std::int32_t csidl) override;
@@ -40,8 +43,6 @@ class PosixShell final : public Shell {
 
   // The native path of an entry that is there, or a code.
   [[nodiscard]] std::uint32_t NativeOf(TextView path, Located& located, std::string& native);
-  // Without a drive, and with a code, where there is none that has a letter.
-  Located HomeTrash(std::uint32_t& error);
   // Answers a code of the system.
   std::uint32_t SendToBin(TextView path, const Located& homeTrash);
   // The drive form of a native folder that need not exist; empty, with the last error set, on

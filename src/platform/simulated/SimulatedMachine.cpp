@@ -6,8 +6,7 @@
 #include <stdexcept>
 
 #include "base/CaseMapping.h"
-#include "platform/simulated/SimulatedRoles.h"
-#include "platform/simulated/SimulatedSystemRoles.h"
+#include "platform/simulated/SimulatedPinning.h"
 
 namespace quillmarsh {
 
@@ -24,7 +23,8 @@ struct Roles {
         versions(state, world),
         modules(state, world),
         locale(state, world),
-        queue(state, world) {}
+        queue(state, world),
+        pins(state, world) {}
 
   SimulatedFinding finding;
   SimulatedFiles files;
@@ -36,6 +36,7 @@ struct Roles {
   SimulatedModules modules;
   SimulatedLocale locale;
   SimulatedQueue queue;
+  SimulatedPinning pins;
 };
 
 }  // namespace simulated
@@ -198,6 +199,9 @@ FileInputOutput& SimulatedMachine::Files() {
 }
 DiskChange& SimulatedMachine::Disk() {
   return mRoles->diskChange;
+}
+Pinning& SimulatedMachine::Pins() {
+  return mRoles->pins;
 }
 Volumes& SimulatedMachine::Drives() {
   return mRoles->volumes;

@@ -110,6 +110,7 @@ class SimulatedMachine final : public Machine {
   Finding& Find() override;
   FileInputOutput& Files() override;
   DiskChange& Disk() override;
+  Pinning& Pins() override;
   Volumes& Drives() override;
   Access& Security() override;
   Shell& Desktop() override;

@@ -49,7 +49,29 @@ bool MeansTheSameToTheShell(const std::wstring& path) {
          path.find_first_of(L"*?") == std::wstring::npos && !path.starts_with(L"\\\\?\\");
 }
 
+// The root of the path's volume; empty, with the last error set, where it cannot be told.
+std::wstring RootOf(const std::wstring& path) {
+  std::wstring root(path.size() + 2, L'\0');
+  if (::GetVolumePathNameW(path.c_str(), root.data(), static_cast<DWORD>(root.size())) == FALSE)
+    return {};
+  root.resize(root.find(L'\0'));
+  return root;
+}
+
+std::uint32_t WhyNoBinOf(const std::wstring& root, const std::wstring& settings) {
+  if (::GetDriveTypeW(root.c_str()) != DRIVE_FIXED) return ERROR_NOT_SUPPORTED;
+  const bool isOff = IsSet(HKEY_CURRENT_USER, kPolicies, L"NoRecycleFiles") ||
+                     IsSet(HKEY_LOCAL_MACHINE, kPolicies, L"NoRecycleFiles") ||
+                     (!settings.empty() && IsSet(HKEY_CURRENT_USER, settings, L"NukeOnDelete"));
+  return isOff ? ERROR_NOT_SUPPORTED : ERROR_SUCCESS;
+}
+
 }  // namespace
+
+std::uint32_t WhyNoBin(TextView path) {
+  const std::wstring root = RootOf(Wide(path));
+  return root.empty() ? ::GetLastError() : WhyNoBinOf(root, SettingsOfVolume(root));
+}
 
 std::uint32_t WhyNotRecycled(TextView path) {
   const std::wstring plain = Wide(path);
@@ -58,17 +80,11 @@ std::uint32_t WhyNotRecycled(TextView path) {
   WIN32_FILE_ATTRIBUTE_DATA facts{};
   if (::GetFileAttributesExW(ExactPath(path).c_str(), GetFileExInfoStandard, &facts) == FALSE)
     return ::GetLastError();
-  std::wstring root(plain.size() + 2, L'\0');
-  if (::GetVolumePathNameW(plain.c_str(), root.data(), static_cast<DWORD>(root.size())) == FALSE)
-    return ::GetLastError();
-  root.resize(root.find(L'\0'));
-  if (::GetDriveTypeW(root.c_str()) != DRIVE_FIXED) return ERROR_NOT_SUPPORTED;
-  if (IsSet(HKEY_CURRENT_USER, kPolicies, L"NoRecycleFiles") ||
-      IsSet(HKEY_LOCAL_MACHINE, kPolicies, L"NoRecycleFiles"))
-    return ERROR_NOT_SUPPORTED;
+  const std::wstring root = RootOf(plain);
+  if (root.empty()) return ::GetLastError();
   const std::wstring settings = SettingsOfVolume(root);
+  if (const std::uint32_t code = WhyNoBinOf(root, settings)) return code;
   if (settings.empty()) return ERROR_SUCCESS;
-  if (IsSet(HKEY_CURRENT_USER, settings, L"NukeOnDelete")) return ERROR_NOT_SUPPORTED;
   const std::uint64_t size = (std::uint64_t{facts.nFileSizeHigh} << 32U) | facts.nFileSizeLow;
   const auto capacity = SettingOf(HKEY_CURRENT_USER, settings, L"MaxCapacity");
   return capacity && size > *capacity * kBytesInMegabyte ? ERROR_DISK_FULL : ERROR_SUCCESS;

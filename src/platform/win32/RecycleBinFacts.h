@@ -12,4 +12,7 @@ namespace quillmarsh::win32 {
 // there, or would be deleted for good. The settings of the bin are those of the user.
 [[nodiscard]] std::uint32_t WhyNotRecycled(TextView path);
 
+// 0 where the volume of the path has a bin at all, else a code.
+[[nodiscard]] std::uint32_t WhyNoBin(TextView path);
+
 }  // namespace quillmarsh::win32

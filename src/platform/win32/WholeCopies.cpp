@@ -7,6 +7,7 @@
 #include <memory>
 #include <random>
 
+#include "base/OwnFiles.h"
 #include "platform/win32/Win32Calls.h"
 
 namespace quillmarsh::win32 {
@@ -20,11 +21,9 @@ constexpr DWORD kNeverReplaced = FILE_ATTRIBUTE_READONLY | FILE_ATTRIBUTE_DIRECT
 class NewFile {
  public:
   explicit NewFile(const std::wstring& beside) {
-    static constexpr wchar_t digits[] = L"0123456789abcdef";
     std::random_device random;
-    mPath = beside.substr(0, beside.rfind(L'\\') + 1) + L"~qm";
-    for (int i = 0; i < 12; ++i) mPath += digits[random() % 16];
-    mPath += L".part";
+    const std::uint64_t number = (std::uint64_t{random()} << 32U) | random();
+    mPath = beside.substr(0, beside.rfind(L'\\') + 1) + Wide(OwnFileName(OwnFile::Part, number));
   }
   ~NewFile() {
     if (mPath.empty()) return;
@@ -191,6 +190,13 @@ std::uint32_t MoveByCopy(const std::wstring& existing, const std::wstring& newPa
   // What was saved under the source's name meanwhile has not been copied, and stays.
   if (AreOneFile(source.Get(), existing)) DeleteSource(existing);
   return ERROR_SUCCESS;
+}
+
+std::uint32_t CopyForMove(void* source, const std::wstring& existing, const std::wstring& newPath) {
+  if (newPath.ends_with(L'\\')) return ERROR_INVALID_NAME;
+  if (const std::uint32_t code = WhyNotTaken(newPath, WhenTaken::Fail, kNeverReplaced)) return code;
+  if (::SetFilePointerEx(source, {}, nullptr, FILE_BEGIN) == FALSE) return ::GetLastError();
+  return CopyFrom(source, {existing, newPath, WhenTaken::Fail, true});
 }
 
 }  // namespace quillmarsh::win32

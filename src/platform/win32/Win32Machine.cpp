@@ -5,6 +5,7 @@
 #include "platform/win32/Win32Disk.h"
 #include "platform/win32/Win32Files.h"
 #include "platform/win32/Win32Finding.h"
+#include "platform/win32/Win32Pinning.h"
 #include "platform/win32/Win32Roles.h"
 #include "platform/win32/Win32Shell.h"
 #include "platform/win32/Win32Volumes.h"
@@ -22,7 +23,8 @@ struct Win32Machine::Roles {
         versions(calls),
         process(calls),
         locale(calls),
-        queue(calls, options.queueStatus) {}
+        queue(calls, options.queueStatus),
+        pins(calls) {}
 
   Win32Finding find;
   Win32Files files;
@@ -34,6 +36,7 @@ struct Win32Machine::Roles {
   Win32Modules process;
   Win32Locale locale;
   Win32Queue queue;
+  Win32Pinning pins;
 };
 
 Win32Machine::Win32Machine(const Win32Options& options)
@@ -49,6 +52,9 @@ FileInputOutput& Win32Machine::Files() {
 }
 DiskChange& Win32Machine::Disk() {
   return mRoles->disk;
+}
+Pinning& Win32Machine::Pins() {
+  return mRoles->pins;
 }
 Volumes& Win32Machine::Drives() {
   return mRoles->drives;

@@ -25,6 +25,7 @@ class Win32Machine final : public Machine {
   Finding& Find() override;
   FileInputOutput& Files() override;
   DiskChange& Disk() override;
+  Pinning& Pins() override;
   Volumes& Drives() override;
   Access& Security() override;
   Shell& Desktop() override;
