@@ -86,7 +86,7 @@ double RemoveAll(PosixMachine& machine, const fs::path& tree, const fs::path& du
         results.FullPathOf(results.Record(record)).starts_with(dup);
   cRemovalRun run(results, *gDupeSettings, removalView, 0);
   const auto begin = Clock::now();
-  const auto outcome = run.RemoveWithoutAsking(nullptr, {});
+  const auto outcome = run.RemoveWithoutAsking({}, {});
   const double seconds = Seconds(begin);
   if (outcome.failedCount != 0 || outcome.removedCount == 0) std::exit(2);
   return seconds;

@@ -58,11 +58,11 @@ Methods:
   dupes[=FOLDER]      into the DUPES folder, below the path that they came from
   move=FOLDER         into a folder, under a new name where theirs is taken
 
-Without --yes nothing is removed on a terminal (standard input or output is one); the list of what would be
-removed is shown instead, as with --dry-run. Rules are those of "quillmarsh-cli select --help".
+Without --yes nothing is removed on a terminal (standard input or output is one). It shows what would be
+removed instead, as with --dry-run. Rules are those of "quillmarsh-cli select --help".
 
-Before a file goes, it and a copy that stays are looked at once more; with contents among --match
-their bytes are compared. What has changed since the search stays, and is told.
+From the last look at a file to its removal, the file and a copy to keep are open and locked; with contents
+among --match their bytes are compared. What has changed or is in use is kept and reported.
 
   quillmarsh-cli remove --rule keep-oldest --method recycle --dry-run ~/Pictures ~/Backup
   quillmarsh-cli remove --match size,contents --method dupes --yes ~/Pictures
@@ -171,17 +171,22 @@ void AddRuleOptions(CLI::App& app, RuleArguments& rule) {
 }
 
 void AddRemovalOptions(CLI::App& app, RemoveArguments& remove) {
-  app.add_option("--method", remove.method, "How the selected files go; see below")
+  app.add_option("--method", remove.method, "How to remove the selected files; see below")
       ->type_name("METHOD")
       ->required();
-  auto* yes = app.add_flag("--yes", remove.isAgreed, "Remove them, also from a terminal");
+  auto* yes = app.add_flag("--yes", remove.isAgreed, "Remove them, even from a terminal");
   app.add_flag("--dry-run", remove.isDryRun, "List what would be removed, and remove nothing")
       ->excludes(yes);
   app.add_flag(
-      "--no-verify", [&remove](std::int64_t) { remove.isVerified = false; },
-      "Do not look at the files once more before they go");
-  app.add_flag("--allow-permanent", remove.allowsPermanent,
-               "Delete for good what the trash refuses; it is left alone otherwise");
+      "--no-verify", [&remove](std::int64_t) { remove.options.comparesContents = false; },
+      "Do not compare the contents once more before a file is removed");
+  app.add_flag("--allow-permanent", remove.options.deletesWithoutBin,
+               "With recycle, delete files on drives that have no trash; they are kept otherwise");
+  app.add_flag("--allow-volatile", remove.options.trustsMemory,
+               "Let a copy in memory (tmpfs) be the one to keep of a file on a disk");
+  app.add_flag(
+      "--no-history", [&remove](std::int64_t) { remove.options.keepsHistory = false; },
+      "Remove even if the history cannot be written");
 }
 
 void AddAnalyzeOptions(CLI::App& app, AnalyzeArguments& analyze) {

@@ -10,6 +10,7 @@
 
 #include "console/ExitCodes.h"
 #include "console/RuleChoice.h"
+#include "removal/cRemovalRun.h"
 
 namespace quillmarsh {
 
@@ -41,8 +42,7 @@ struct RemoveArguments {
   std::string method;  // delete, recycle, dupes[=FOLDER], move=FOLDER
   bool isAgreed = false;
   bool isDryRun = false;
-  bool isVerified = true;        // files are looked at once more before they go
-  bool allowsPermanent = false;  // what the Recycle Bin refuses is deleted for good
+  RemovalOptions options;
 };
 
 struct ExportArguments {

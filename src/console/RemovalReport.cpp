@@ -5,6 +5,7 @@
 #include "base/LocaleFormat.h"
 #include "console/OutputTexts.h"
 #include "frame/ProgramFlags.h"
+#include "frame/Pump.h"
 #include "fsobjects/LocaleFormats.h"
 #include "fsobjects/modShlWAPI.h"
 #include "platform/Machine.h"
@@ -36,53 +37,60 @@ std::string Counted(std::int64_t count) {
 }
 
 Text ReasonOf(const RemovalEntry& entry) {
+  if (!entry.reason.empty()) return entry.reason;
   Text reason = entry.text;
   while (reason.ends_with(u'\n') || reason.ends_with(u'\r')) reason.pop_back();
-  constexpr TextView shellMark = u" (*SHFileOp*)";
-  if (reason.ends_with(shellMark))
-    return u"the trash refused it: " + reason.substr(0, reason.size() - shellMark.size()) + u" (" +
-           DecimalText(std::int64_t{entry.code}) + u"); --allow-permanent deletes it for good";
   if (entry.kind == log_kind::CreateFolderError)
     reason = u"the folder \"" + TheMachine().Drives().ShownPath(entry.target) +
              u"\" cannot be made: " + reason;
   return reason + u" (" + DecimalText(std::int64_t{entry.code}) + u")";
 }
 
+const char* PlannedOutcome(RemoveMethod method, bool isForGood) {
+  if (IsMove(method)) return "move";
+  return method == RemoveMethod::Recycle && !isForGood ? "trash" : "delete";
+}
+
 }  // namespace
 
-// With the first thing that is told, so that a removal that is refused writes nothing.
-void RemovalReport::Begin() {
-  if (mHasBegun) return;
-  mHasBegun = true;
+bool RemovalReport::Start() {
   if (mFormat == OutputFormat::Json) mOutput.Write("{\"files\":[");
   if (mFormat == OutputFormat::Csv) mOutput.Write("outcome,path,target,reason\r\n");
+  mOutput.Flush();
+  return mOutput.CanBeWritten();
+}
+
+bool RemovalReport::WritePlan(const RemovalPlan& plan, bool deletesWithoutBin) {
+  if (!Start()) return true;
+  for (const PlannedRemoval& file : plan.Files()) {
+    DoEvents_Fast();
+    if (gUserAbort) return false;
+    const bool isForGood = file.obstacle == Obstacle::NoRecycleBin && deletesWithoutBin;
+    if (file.obstacle == Obstacle::None || isForGood)
+      Write(PlannedOutcome(plan.Method(), isForGood), plan.FileSpecOf(file), plan.TargetOf(file),
+            {});
+    else
+      Write(kLeft, plan.FileSpecOf(file), {}, quillmarsh::ReasonOf(file.obstacle));
+  }
+  if (mFormat == OutputFormat::Json) mOutput.Write("]}\n");
+  return true;
 }
 
 void RemovalReport::Add(const RemovalEntry& entry) {
-  if (const char* const outcome = OutcomeOf(entry)) {
+  if (const char* const outcome = OutcomeOf(entry))
     Write(outcome, entry.fileSpec, entry.target, {});
-  } else if (entry.fileSpec != mLastLeft) {
+  else
     Write(kLeft, entry.fileSpec, {}, ReasonOf(entry));
-  }
-  mLastLeft.clear();
-}
-
-void RemovalReport::LeftAlone(TextView fileSpec, TextView reason) {
-  mLastLeft = fileSpec;
-  AddFreeTextToLog(u"Left alone: " + TheMachine().Drives().ShownPath(fileSpec) + u": " +
-                   Text(reason));
-  Write(kLeft, fileSpec, {}, reason);
 }
 
 void RemovalReport::Write(const char* outcome, TextView fileSpec, TextView target,
                           TextView reason) {
-  Begin();
   const auto now = std::chrono::steady_clock::now();
   if (now >= mNextFlush) {
     mNextFlush = now + kFlushInterval;
     mOutput.Flush();
   }
-  // Whoever was to read this has gone, or the disk is full: nothing goes without being told.
+  // The reader has gone, or the disk is full: nothing is removed without a report.
   if (mOutput.HasFailed()) gUserAbort = true;
   const Volumes& volumes = TheMachine().Drives();
   const bool isLeft = outcome == kLeft;
@@ -114,7 +122,6 @@ void RemovalReport::WriteJson(const char* outcome, const std::string& path,
 }
 
 void RemovalReport::End(const cRemovalRun::Outcome& outcome) {
-  Begin();
   if (mFormat == OutputFormat::Json)
     mOutput.Write("],\"removed\":" + std::to_string(outcome.removedCount) +
                   ",\"removedSize\":" + std::to_string(outcome.removedSize.ToInteger()) +

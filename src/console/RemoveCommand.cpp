@@ -9,12 +9,12 @@
 #include "console/RemovalReport.h"
 #include "console/SearchCommand.h"
 #include "console/SearchRequest.h"
-#include "frame/ProgramFlags.h"
 #include "frame/Pump.h"
 #include "fsobjects/modPaths.h"
 #include "fsobjects/modUnicode.h"
 #include "platform/Machine.h"
-#include "removal/VerifyingGuard.h"
+#include "removal/RemovalPlan.h"
+#include "removal/RemovalRecovery.h"
 #include "selection/MarkedFiles.h"
 #include "settings/OptionsFolder.h"
 #include "settings/clsDupeSettings.h"
@@ -108,41 +108,54 @@ bool IsPersonThere() {
   return process.IsConsole(StandardStream::Input) || process.IsConsole(StandardStream::Output);
 }
 
-ExitCode ListOnly(ConsoleSearch& search, const RemoveArguments& arguments) {
-  const ExitCode listed = ListResults(search, arguments.search, true);
-  if (listed != ExitCode::Done && listed != ExitCode::SomeFilesFailed) return listed;
+ExitCode ShowPlan(ConsoleSearch& search, const RemoveArguments& arguments) {
+  StandardOutput output(StandardOutput::AfterStop::Drop);
+  RemovalReport report(arguments.search.format, arguments.search.isQuiet, output);
+  const StoppablePart stoppable;
+  const bool isWhole = report.WritePlan(PlanRemoval(search.Results(), *gDupeSettings),
+                                        arguments.options.deletesWithoutBin);
+  if (!output.Finish()) return ExitCode::Refused;
+  if (!isWhole) {
+    PrintError("stopped; nothing was removed");
+    return ExitCode::Stopped;
+  }
   PrintError(arguments.isDryRun ? "dry run: nothing was removed"
-                                : "nothing was removed; --yes removes the selected files");
-  return LeavesACopyOfEach(search.Results(), arguments.rule.allowsAll) ? listed : ExitCode::Refused;
+                                : "nothing was removed; --yes removes these files");
+  if (!LeavesACopyOfEach(search.Results(), arguments.rule.allowsAll)) return ExitCode::Refused;
+  search.TellPlacesNotEntered();
+  return search.EndCode();
 }
 
 ExitCode Remove(ConsoleSearch& search, const RemoveArguments& arguments,
                 const ProgramObjects& objects) {
   StandardOutput output(StandardOutput::AfterStop::Finish);
   RemovalReport report(arguments.search.format, arguments.search.isQuiet, output);
-  VerifyingGuard guard(
-      search.Results(),
-      arguments.isVerified ? VerifyingGuard::Checks::Both : VerifyingGuard::Checks::Replacements,
-      [&report](TextView fileSpec, TextView reason) { report.LeftAlone(fileSpec, reason); });
-  QuietRemovalView view;
-  cRemovalRun run(search.Results(), *gDupeSettings, view, search.FilesSearched());
-  gKeepWhatTheBinRefuses = !arguments.allowsPermanent;
-  const ConsolePump::FinishingTouch finishing;
-  const cRemovalRun::Outcome outcome =
-      run.RemoveWithoutAsking(&guard, [&report](const RemovalEntry& entry) { report.Add(entry); });
-  if (outcome.isRefused) {
-    PrintError("another removal is running; nothing was removed");
+  if (!report.Start()) {
+    PrintError("nothing was removed, since it could not be reported");
     return ExitCode::Refused;
   }
+  QuietRemovalView view;
+  cRemovalRun run(search.Results(), *gDupeSettings, view, search.FilesSearched());
+  const ConsolePump::FinishingTouch finishing;
+  const cRemovalRun::Outcome outcome = run.RemoveWithoutAsking(
+      arguments.options, [&report](const RemovalEntry& entry) { report.Add(entry); });
   report.End(outcome);
+  if (outcome.isRefused) {
+    PrintError(ToUtf8(outcome.problem) + "; nothing was removed" +
+               (arguments.options.keepsHistory && outcome.isHistoryMissing
+                    ? "; --no-history removes without it"
+                    : ""));
+    return ExitCode::Refused;
+  }
   if (!output.Finish()) {
-    PrintError("nothing more was removed, since it could not be told; see the history");
+    PrintError("nothing more was removed, since it could not be reported; see the history");
     return ExitCode::Refused;
   }
   if (outcome.isStopped) {
     PrintError("stopped; the other files were not touched");
     return ExitCode::Stopped;
   }
+  if (!outcome.problem.empty()) PrintError(ToUtf8(outcome.problem));
   if (outcome.isFailed) return ExitCode::Refused;
   search.TellPlacesNotEntered();
   const bool isAllDone = outcome.failedCount == 0 && !objects.IsHistoryLost();
@@ -157,6 +170,7 @@ ExitCode RunRemove(RemoveArguments arguments, ProgramObjects& objects) {
     const StoppablePart stoppable;
     if (!TakeMethod(arguments) || !rule.Take(arguments.rule)) return ExitCode::Refused;
   }
+  RecoverInterruptedRemovals();
   ConsoleSearch search(objects);
   if (const auto ended = search.Run(arguments.search)) return *ended;
   const bool toDupes = gDupeSettings->RemoveMethod() == RemoveMethod::MoveToDupesFolder;
@@ -170,7 +184,7 @@ ExitCode RunRemove(RemoveArguments arguments, ProgramObjects& objects) {
   if (!arguments.search.isQuiet && !search.Results().mCriteria.contentsMatch &&
       search.Results().mGroupCount > 0)
     PrintError("contents were not compared; add them to --match for files that are alike for sure");
-  if (arguments.isDryRun || asksFirst) return ListOnly(search, arguments);
+  if (arguments.isDryRun || asksFirst) return ShowPlan(search, arguments);
   if (!LeavesACopyOfEach(search.Results(), arguments.rule.allowsAll)) return ExitCode::Refused;
   return Remove(search, arguments, objects);
 }

@@ -9,6 +9,7 @@
 
 #include "base/Text.h"
 #include "console/ConsoleViews.h"
+#include "frame/ErrorReporting.h"
 
 namespace quillmarsh {
 
@@ -53,6 +54,16 @@ void StandardOutput::Flush() {
 bool StandardOutput::Finish() {
   Flush();
   return !mHasFailed;
+}
+
+bool StandardOutput::CanBeWritten() {
+  Modules& process = TheMachine().Process();
+  if (mHasFailed || process.CanTakeOutput(StandardStream::Output)) return !mHasFailed;
+  mHasFailed = true;
+  Text reason = GetSystemErrorText(TheMachine().GetLastError());
+  while (reason.ends_with(u'\n') || reason.ends_with(u'\r')) reason.pop_back();
+  PrintError("the results cannot be written: " + ToUtf8(reason));
+  return false;
 }
 
 void PrintProgressLine(std::string_view line) {

@@ -23,6 +23,9 @@ class StandardOutput final : public ByteOutput {
   [[nodiscard]] bool Finish();
   // Hands over what is there so far.
   void Flush();
+  // Whether writing has not failed yet and would not fail now, as far as that can be asked: of a
+  // device that is full, and of a disk without room. The failure is reported.
+  [[nodiscard]] bool CanBeWritten();
   [[nodiscard]] bool HasFailed() const override { return mHasFailed; }
 
  private:

@@ -7,7 +7,6 @@ namespace quillmarsh {
 bool gUserAbort = false;
 bool gStopCRC = false;
 bool gFSOCancelled = false;
-bool gKeepWhatTheBinRefuses = false;
 bool gIsWow64 = false;
 Text gAppPath;
 

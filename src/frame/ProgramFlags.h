@@ -10,11 +10,7 @@ namespace quillmarsh {
 extern bool gUserAbort;     // the user asked to stop the search or removal
 extern bool gStopCRC;       // a running checksum is to give up
 extern bool gFSOCancelled;  // a copy, move or delete run was cancelled
-// What the Recycle Bin refuses stays where it is. Set by a program that asks nobody: it must not
-// turn a removal that can be taken back into a final one. The window leaves it cleared, since its
-// users know that such a file is deleted for good.
-extern bool gKeepWhatTheBinRefuses;
-extern bool gIsWow64;  // file-system redirection is switched off around file work
+extern bool gIsWow64;       // file-system redirection is switched off around file work
 
 // The folder of the program with its final backslash; empty where that cannot be told.
 extern Text gAppPath;

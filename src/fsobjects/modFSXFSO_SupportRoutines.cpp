@@ -20,7 +20,6 @@ constexpr TextView kUnknownError = u"An unknown error occurred";
 // Tells whoever reads a message that its number is one of the shell's.
 constexpr TextView kShellMark = u" (*SHFileOp*)";
 
-bool wasLastDeletePermanent = false;
 constexpr std::uint16_t kBinFlags = FOF_NOERRORUI | FOF_ALLOWUNDO | FOF_NOCONFIRMATION | FOF_SILENT;
 constexpr TextView kTwoNuls(u"\0\0", 2);
 
@@ -260,7 +259,7 @@ BinAnswer SendToBin(TextView path, Ending& ending) {
   const auto is = [code](std::uint32_t other) { return code == static_cast<std::int32_t>(other); };
   const bool isNoRefusal =
       is(ERROR_OPERATION_ABORTED) || is(ERROR_TOO_MANY_OPEN_FILES) || is(ERROR_NOT_ENOUGH_MEMORY);
-  return isNoRefusal || gKeepWhatTheBinRefuses ? BinAnswer::Final : BinAnswer::Refused;
+  return isNoRefusal ? BinAnswer::Final : BinAnswer::Refused;
 }
 
 bool DeleteJunction(TextView path, Ending& ending, const Call& call, bool permanently) {
@@ -299,14 +298,9 @@ bool FSXFSO_RenameFSO(TextView path, TextView newName, bool& cancelled, std::int
   return true;
 }
 
-bool FSXFSO_WasLastDeletePermanent() {
-  return wasLastDeletePermanent;
-}
-
 bool FSXFSO_DeleteFSO(TextView path, bool& cancelled, std::int32_t& errorNumber, Text& errorMessage,
                       Text& log, bool permanently) {
   Ending ending(errorNumber, errorMessage);
-  wasLastDeletePermanent = false;
   if (cancelled || gFSOCancelled) return Cancel(cancelled);
   if (!permanently) {
     switch (SendToBin(path, ending)) {
@@ -317,7 +311,6 @@ bool FSXFSO_DeleteFSO(TextView path, bool& cancelled, std::int32_t& errorNumber,
       case BinAnswer::Final:
         return false;
       case BinAnswer::Refused:  // deleted for good, as users of the window know it
-        wasLastDeletePermanent = true;
         break;
     }
   }

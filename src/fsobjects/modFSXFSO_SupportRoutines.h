@@ -34,13 +34,10 @@ bool FSXFSO_MoveFSO(TextView source, TextView destFolder, bool& cancelled,
                     std::int32_t& errorNumber, Text& errorMessage, Text& log);
 
 // For good, or into the Recycle Bin. What the bin refuses is then deleted for good, read-only files
-// too, unless gKeepWhatTheBinRefuses is set: then it stays, and `errorNumber` is the shell's code
-// and `errorMessage` ends in "(*SHFileOp*)". A path with wildcards in its last name stays as well.
+// too. A path with wildcards in its last name stays: then `errorNumber` is the shell's code and
+// `errorMessage` ends in "(*SHFileOp*)".
 bool FSXFSO_DeleteFSO(TextView path, bool& cancelled, std::int32_t& errorNumber, Text& errorMessage,
                       Text& log, bool permanently);
-
-// Whether the last FSXFSO_DeleteFSO went on to a permanent delete because the bin refused.
-[[nodiscard]] bool FSXFSO_WasLastDeletePermanent();
 
 // In its own folder. Success leaves "0" in `errorMessage`.
 bool FSXFSO_RenameFSO(TextView path, TextView newName, bool& cancelled, std::int32_t& errorNumber,

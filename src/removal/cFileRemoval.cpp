@@ -1,222 +1,262 @@
 // SPDX-License-Identifier: MIT
-// The four ways in which a file goes. A move counts only once the file is seen to be gone: where it
-// had to be copied to another volume, the system calls it done also when the original stayed.
+// The four ways in which a file is removed, each through the pin that holds it.
 #include "removal/cFileRemoval.h"
 
-#include <functional>
-#include <optional>
-
+#include "base/OwnFiles.h"
 #include "frame/ErrorReporting.h"
-#include "frame/Pump.h"
+#include "frame/ProgramFlags.h"
 #include "fsobjects/CreateFolderTree.h"
-#include "fsobjects/Handles.h"
-#include "fsobjects/cFSXFileSystemObject.h"
-#include "fsobjects/modFSXFSO_SupportRoutines.h"
+#include "fsobjects/EntryLook.h"
+#include "fsobjects/cFSXFolderPathsList.h"
 #include "fsobjects/modPaths.h"
 #include "fsobjects/modShlWAPI.h"
-#include "fsobjects/modUnicode.h"
-#include "removal/DupesFolder.h"
+#include "removal/StaleParts.h"
 #include "removal/history/cLog.h"
 #include "search/results/modDupe.h"
+#include "settings/OptionsFolder.h"
 
 namespace quillmarsh {
 namespace {
+
+constexpr int kMostNameAttempts = 8;
 
 Text Shown(TextView path) {
   return path.empty() ? Text() : TheMachine().Drives().ShownPath(path);
 }
 
-// Takes the read-only bit from a file for the time that something is tried again, and gives it back
-// unless that was done.
-class WritableForNow {
- public:
-  explicit WritableForNow(TextView path) : mPath(ToLongPath(path)) {}
-  ~WritableForNow() {
-    if (!mAttributes) return;
-    const LastErrorKeeper keeper;
-    static_cast<void>(TheMachine().Disk().SetFileAttributesW(mPath, *mAttributes));
-  }
-  WritableForNow(const WritableForNow&) = delete;
-  WritableForNow& operator=(const WritableForNow&) = delete;
-
-  // False where that is no way to go on: the bit is not set, or was taken before.
-  [[nodiscard]] bool Take() {
-    if (mIsTaken) return false;
-    const std::uint32_t attributes = TheMachine().Files().GetFileAttributesW(mPath);
-    if (attributes == INVALID_FILE_ATTRIBUTES || (attributes & FILE_ATTRIBUTE_READONLY) == 0)
-      return false;
-    mIsTaken = true;
-    if (TheMachine().Disk().SetFileAttributesW(mPath, attributes ^ FILE_ATTRIBUTE_READONLY))
-      mAttributes = attributes;
-    return true;
-  }
-  void Forget() { mAttributes.reset(); }
-
- private:
-  const Text mPath;
-  bool mIsTaken = false;
-  std::optional<std::uint32_t> mAttributes;  // to be given back
-};
-
-// Runs an operation that answers a code, and once more where access was denied for the read-only
-// bit of `path` alone. Answers a code.
-std::uint32_t TryAlsoWritable(TextView path, const std::function<std::uint32_t()>& operation) {
-  WritableForNow writable(path);
-  while (true) {
-    const std::uint32_t code = operation();
-    if (code == ERROR_SUCCESS) writable.Forget();
-    if (code != ERROR_ACCESS_DENIED || !writable.Take()) return code;
-    DoEvents_Fast();
-  }
-}
-
-bool IsStillThere(TextView path) {
-  return TheMachine().Files().GetFileAttributesW(ToLongPath(path)) != INVALID_FILE_ATTRIBUTES;
-}
-
-// Asked without the final backslash but for a root: with it, a file that stands in the way would be
-// an unusual failure, and reported for each file that cannot go there.
-bool IsFolderThere(TextView folder) {
-  const Text asked = IsRootPath(folder) ? Text(folder) : RemoveBackslash(folder);
-  return cFSXFileSystemObject().FolderExists(asked, false);
-}
-
-// Answers a code. Within a volume a move is a rename, and done when the system says so. To another
-// volume the file is copied, and the system says yes also when the original then could not be
-// deleted: that is no removal, and told as 5.
-std::uint32_t Move(const Text& from, const Text& to, std::uint32_t flags) {
-  DiskChange& disk = TheMachine().Disk();
-  if (disk.MoveFileExW(from, to, flags)) return ERROR_SUCCESS;
+std::optional<Refusal> RefusalOfLastCall() {
   const std::uint32_t code = TheMachine().GetLastError();
-  if (code != ERROR_NOT_SAME_DEVICE) return code;
-  const bool isCopied = flags == 0 ? disk.MoveFileW(from, to)
-                                   : disk.MoveFileExW(from, to, flags | MOVEFILE_COPY_ALLOWED);
-  if (!isCopied) return TheMachine().GetLastError();
-  return IsStillThere(from) ? ERROR_ACCESS_DENIED : ERROR_SUCCESS;
+  if (code == ERROR_FILE_INVALID) return Refusal{0, u"it has changed since it was looked at"};
+  return Refusal{code, FormatSystemErrorMessage(code)};
+}
+
+bool IsTakenName(const std::optional<Refusal>& refusal) {
+  return refusal && (refusal->code == ERROR_ALREADY_EXISTS || refusal->code == ERROR_FILE_EXISTS);
+}
+
+std::int32_t FailureKindOf(RemoveMethod method) {
+  return IsMove(method) ? log_kind::MoveError : log_kind::DeleteError;
+}
+
+std::int32_t SuccessKindOf(RemoveMethod method) {
+  switch (method) {
+    case RemoveMethod::Recycle:
+      return log_kind::FileSentToRecycleBin;
+    case RemoveMethod::MoveToDupesFolder:
+      return log_kind::FileMovedToDupesFolder;
+    case RemoveMethod::MoveToOtherFolder:
+      return log_kind::FileMovedToOtherFolder;
+    case RemoveMethod::Delete:
+      break;
+  }
+  return log_kind::FileDeleted;
 }
 
 }  // namespace
 
-void cFileRemoval::RemoveFile(TextView fileSpec, TextView dupesFolder, bool& result) {
-  const bool isDone = Guarded(u"frmFindDuplicates.RemoveFile()", [&] {
-    const RedirectionOff redirection;
-    result = true;
-    switch (mMethod) {
-      case RemoveMethod::Delete:
-        result = Delete(fileSpec);
-        break;
-      case RemoveMethod::Recycle:
-        result = Recycle(fileSpec);
-        break;
-      case RemoveMethod::MoveToDupesFolder:
-        result = MoveToDupesFolder(fileSpec, dupesFolder);
-        break;
-      case RemoveMethod::MoveToOtherFolder:
-        result = MoveToOtherFolder(fileSpec);
-        break;
+cFileRemoval::cFileRemoval(const cSearchResults& results, const RemovalPlan& plan,
+                           RemovalChecks& checks, bool deletesWithoutBin, RemovalListener listener)
+    : mPlan(plan),
+      mChecks(checks),
+      mDeletesWithoutBin(deletesWithoutBin),
+      mListener(std::move(listener)) {
+  if (plan.Method() != RemoveMethod::MoveToDupesFolder || plan.Folder().empty()) return;
+  // The DUPES folder is left out of searches, so that this is rare: it was moved since.
+  std::unordered_map<std::int32_t, bool> isThere;
+  std::vector<std::int32_t> members;
+  for (std::int32_t group = 1; group <= results.mGroupCount; ++group) {
+    results.ReadMembers(group, members);
+    for (const std::int32_t member : members) {
+      const DupeFileUDT& record = results.Record(member);
+      const auto [known, isNew] = isThere.try_emplace(record.ParentFolderIdx, false);
+      if (isNew)
+        known->second =
+            AddBackslash(GetFolderPathByIdx(record.ParentFolderIdx)).starts_with(plan.Folder());
+      if (known->second && !results.mFileMarked[static_cast<std::size_t>(member) - 1])
+        mCopiesInDupesFolder.insert(results.FullPathOf(record));
     }
+  }
+}
+
+cFileRemoval::Done cFileRemoval::RemoveFile(const Job& job) {
+  Done done;
+  Guarded(u"frmFindDuplicates.RemoveFile()", [&] {
+    const RedirectionOff redirection;
+    done = Remove(job);
   });
-  if (!isDone) result = false;
+  return done;
+}
+
+cFileRemoval::Done cFileRemoval::Remove(const Job& job) {
+  const bool isForGood = job.planned.obstacle == Obstacle::NoRecycleBin && mDeletesWithoutBin;
+  if (job.planned.obstacle != Obstacle::None && !isForGood)
+    return Keep(job, job.target, {0, Text(ReasonOf(job.planned.obstacle))});
+  HeldPair pair;
+  if (auto refusal = mChecks.Hold(job.planned.group, job.planned.record, job.asideName, pair))
+    return Keep(job, job.target, *refusal);
+  if (job.seen && !job.seen->IsSameFileAs(pair.file.State()))
+    return Keep(job, job.target, {0, u"it has changed since it was looked at"});
+  if (IsMove(mPlan.Method())) {
+    const Text folder = GetFolderPartOf(job.target);
+    if (const std::uint32_t code = ProvideFolder(folder)) {
+      AddEntry({log_kind::CreateFolderError, job.fileSpec, folder, code,
+                FormatSystemErrorMessage(code)});
+      return {Result::Failed};
+    }
+  }
+  Done done;
+  done.target = job.target;
+  Step refusal;
+  if (mPlan.Method() == RemoveMethod::Delete || isForGood)
+    refusal = Delete(pair);
+  else if (mPlan.Method() == RemoveMethod::Recycle)
+    refusal = Recycle(pair);
+  else
+    refusal = Move(job, pair, done.target);
+  if (refusal) {
+    const Text left = TheMachine().Pins().WhereLeft(pair.file.Get());
+    if (!left.empty()) {
+      refusal->code = 0;
+      refusal->reason += u"; the file found there is now \"" + Shown(left) + u"\"";
+    }
+    return Keep(job, done.target, *refusal);
+  }
+  done.result = Result::Removed;
+  done.isSpaceFreed = pair.file.State().links <= 1;
+  done.isDeletedForGood = isForGood;
+  AddEntry({SuccessKindOf(mPlan.Method()), job.fileSpec, done.target, 0, {}, {}, isForGood});
+  if (isForGood)
+    AddFreeTextToLog(u"Its drive has no Recycle Bin, so it was deleted: " + Shown(job.fileSpec));
+  return done;
 }
 
 void cFileRemoval::AddEntry(const RemovalEntry& entry) const {
   bool result = false;
+  const Text note =
+      entry.reason.empty() ? Text() : u"Kept: " + Shown(entry.fileSpec) + u": " + entry.reason;
   if (gLog != nullptr)
     gLog->Add(entry.kind, {}, Shown(entry.fileSpec), Shown(entry.target),
-              static_cast<std::int32_t>(entry.code), entry.text, {}, result);
+              static_cast<std::int32_t>(entry.code), entry.text, note, result);
   if (mListener) mListener(entry);
 }
 
-bool cFileRemoval::Fail(std::int32_t kind, TextView fileSpec, TextView target,
-                        std::uint32_t code) const {
-  AddEntry({kind, Text(fileSpec), Text(target), code, FormatSystemErrorMessage(code)});
-  return false;
+// What the user stopped is as if it had not been reached.
+cFileRemoval::Done cFileRemoval::Keep(const Job& job, const Text& target,
+                                      const Refusal& refusal) const {
+  if (gUserAbort && refusal.code == ERROR_OPERATION_ABORTED) return {Result::Stopped};
+  if (refusal.code == 0) {
+    AddEntry({log_kind::FreeText, job.fileSpec, {}, 0, {}, refusal.reason});
+    return {Result::Kept};
+  }
+  AddEntry({FailureKindOf(mPlan.Method()), job.fileSpec, target, refusal.code,
+            FormatSystemErrorMessage(refusal.code)});
+  return {Result::Failed};
 }
 
-bool cFileRemoval::Delete(TextView fileSpec) {
-  const Text path = ToLongPath(fileSpec);
-  const std::uint32_t code = TryAlsoWritable(fileSpec, [&] {
-    return TheMachine().Disk().DeleteFileW(path) ? ERROR_SUCCESS : TheMachine().GetLastError();
-  });
-  if (code != ERROR_SUCCESS) return Fail(log_kind::DeleteError, fileSpec, {}, code);
-  AddEntry({log_kind::FileDeleted, Text(fileSpec), {}, 0, {}});
-  return true;
+cFileRemoval::Step cFileRemoval::Prepare(const HeldPair& pair, bool isAside) {
+  Pinning& pins = TheMachine().Pins();
+  if (isAside && !pins.TakeAside(pair.file.Get())) return RefusalOfLastCall();
+  if (!pair.copy.IsHeld()) return std::nullopt;
+  Step refusal = mChecks.LookAtCopyAgain(pair.copy, pair.isProven);
+  if (refusal && isAside && !pins.PutBack(pair.file.Get())) return RefusalOfLastCall();
+  return refusal;
 }
 
-bool cFileRemoval::Recycle(TextView fileSpec) {
-  std::int32_t errorNumber = 0;
-  Text errorText;
-  const bool isSent = SendFileToRecycleBin(fileSpec, errorNumber, errorText);
-  if (!isSent) {
-    AddEntry({log_kind::DeleteError,
-              Text(fileSpec),
-              {},
-              static_cast<std::uint32_t>(errorNumber),
-              errorText});
-    return false;
+// Where names can change under a pin the file is taken aside first, whatever is known of the copy;
+// and the copy is looked at once more when the file is gone, which can still be made again then.
+cFileRemoval::Step cFileRemoval::Delete(const HeldPair& pair) {
+  Pinning& pins = TheMachine().Pins();
+  if (Step refusal = mChecks.SecureCopy(pair)) return refusal;
+  const bool isAside = !pins.HoldsNames() || pair.IsProofNeeded();
+  if (Step refusal = Prepare(pair, isAside)) return refusal;
+  if (!pins.Delete(pair.file.Get())) {
+    Step refusal = RefusalOfLastCall();
+    if (isAside) static_cast<void>(pins.PutBack(pair.file.Get()));
+    return refusal;
   }
-  const bool isDeletedForGood = FSXFSO_WasLastDeletePermanent();
-  AddEntry({log_kind::FileSentToRecycleBin, Text(fileSpec), {}, 0, {}, isDeletedForGood});
-  if (isDeletedForGood) {
-    mDeletedForGoodCount += 1;
-    AddFreeTextToLog(u"The Recycle Bin refused it, so it was deleted for good: " + Shown(fileSpec));
+  if (pins.HoldsNames() || !pair.copy.IsHeld()) return std::nullopt;
+  Step refusal = mChecks.LookAtCopyAgain(pair.copy, pair.isProven);
+  if (!refusal) return std::nullopt;
+  if (pins.Restore(pair.file.Get())) {
+    refusal->reason += u", so this file was put back";
+    return refusal;
   }
-  return true;
+  AddFreeTextToLog(u"The copy to keep changed at the last moment: " + Shown(pair.copyPath));
+  return std::nullopt;
+}
+
+cFileRemoval::Step cFileRemoval::Recycle(const HeldPair& pair) {
+  if (Step refusal = Prepare(pair, pair.IsProofNeeded())) return refusal;
+  std::int32_t number = 0;
+  Text text;
+  if (SendFileToRecycleBin(pair.file.Get(), number, text)) return std::nullopt;
+  Step refusal = RefusalOfLastCall();
+  if (pair.IsProofNeeded()) static_cast<void>(TheMachine().Pins().PutBack(pair.file.Get()));
+  return refusal;
+}
+
+cFileRemoval::Step cFileRemoval::MoveTo(const HeldPair& pair, const Text& target) {
+  Pinning& pins = TheMachine().Pins();
+  const Text path = ToLongPath(target);
+  if (pins.MoveTo(pair.file.Get(), path, PinnedMove::Rename)) return std::nullopt;
+  if (TheMachine().GetLastError() == ERROR_NOT_SAME_DEVICE &&
+      pins.MoveTo(pair.file.Get(), path, PinnedMove::CopyIfNeeded))
+    return std::nullopt;
+  return RefusalOfLastCall();
 }
 
 // Where nobody knows the folder yet, making it fails like any other.
 std::uint32_t cFileRemoval::ProvideFolder(TextView folder) {
   if (folder.empty()) return ERROR_PATH_NOT_FOUND;
   if (folder == mProvidedFolder) return ERROR_SUCCESS;
+  const EntryLook look = LookAtFolder(folder);
+  if (look.IsUnknown()) return look.code;
   std::uint32_t code = 0;
-  if (!IsFolderThere(folder) && !CreateFolderTree(folder, code))
+  if (!look.IsFolder() && !CreateFolderTree(folder, code))
     return code != 0 ? code : ERROR_PATH_NOT_FOUND;
+  if (mClearedFolders.insert(Text(folder)).second) RemoveStaleParts(folder);
+  if (mProvidedFolder.empty() && mPlan.Method() == RemoveMethod::MoveToDupesFolder)
+    MarkDupesFolder(mPlan.Folder());
   mProvidedFolder = folder;
   return ERROR_SUCCESS;
 }
 
-bool cFileRemoval::MoveToDupesFolder(TextView fileSpec, TextView dupesFolder) {
-  const Text newPath = dupesFolder.empty() ? Text() : PathInDupesFolder(fileSpec, dupesFolder);
-  const Text folder = GetFolderPartOf(newPath);
-  if (const std::uint32_t code = ProvideFolder(folder))
-    return Fail(log_kind::CreateFolderError, fileSpec, folder, code);
-  const Text from = ToLongPath(fileSpec);
-  const Text to = ToLongPath(newPath);
-  std::uint32_t code = Move(from, to, 0);
-  // The move itself says whether something is in its place.
-  if (code == ERROR_ALREADY_EXISTS && FSXFileExists(newPath)) {
-    if (mGuard != nullptr && !mGuard->MayReplace(fileSpec, newPath))
-      return Fail(log_kind::MoveError, fileSpec, newPath, ERROR_ALREADY_EXISTS);
-    code = TryAlsoWritable(newPath, [&] { return Move(from, to, MOVEFILE_REPLACE_EXISTING); });
-  }
-  if (code == ERROR_SUCCESS) {
-    AddEntry({log_kind::FileMovedToDupesFolder, Text(fileSpec), newPath, 0, {}});
-    return true;
-  }
-  mProvidedFolder.clear();
-  return Fail(log_kind::MoveError, fileSpec, newPath, code);
+bool cFileRemoval::IsListedCopy(TextView path) const {
+  return mCopiesInDupesFolder.contains(Text(path));
 }
 
-bool cFileRemoval::MoveToOtherFolder(TextView fileSpec) {
-  const Text& folder = mOtherFolder;
-  const Text name = GetFileNameOf(fileSpec);
-  if (const std::uint32_t code = ProvideFolder(folder))
-    return Fail(log_kind::CreateFolderError, fileSpec, folder, code);
-  const Text from = ToLongPath(fileSpec);
-  Text newPath = folder + name;
-  std::uint32_t code = Move(from, ToLongPath(newPath), 0);
-  // The move itself says whether the name is taken.
-  if (code == ERROR_ALREADY_EXISTS && FSXFileExists(newPath)) {
-    newPath = ResolveNextFileNameCollision(name, folder, mLastNames[name]);
-    code = Move(from, ToLongPath(newPath), 0);
+cFileRemoval::Step cFileRemoval::MakeRoom(const Job& job, const HeldPair& pair, Text& target) {
+  HeldPair replaced;
+  const bool mayReplace = mPlan.Method() == RemoveMethod::MoveToDupesFolder &&
+                          !IsListedCopy(target) &&
+                          !mChecks.HoldReplaced(target, job.asideName, pair.file, replaced.file);
+  if (!mayReplace) {
+    target = ResolveNextFileNameCollision(GetFileNameOf(job.fileSpec), GetFolderPartOf(target),
+                                          mLastNames[target]);
+    return std::nullopt;
   }
-  if (code == ERROR_SUCCESS) {
-    AddEntry({log_kind::FileMovedToOtherFolder, Text(fileSpec), newPath, 0, {}});
-    return true;
+  // The copy that stays of it is the newcomer.
+  Pinning& pins = TheMachine().Pins();
+  const bool isAside = !pins.HoldsNames();
+  if (isAside && !pins.TakeAside(replaced.file.Get())) return RefusalOfLastCall();
+  if (pins.IsAsPinned(pair.file.Get()) && pins.Delete(replaced.file.Get())) return std::nullopt;
+  Step refusal = RefusalOfLastCall();
+  if (isAside) static_cast<void>(pins.PutBack(replaced.file.Get()));
+  return refusal;
+}
+
+cFileRemoval::Step cFileRemoval::Move(const Job& job, const HeldPair& pair, Text& target) {
+  if (Step refusal = Prepare(pair, pair.IsProofNeeded())) return refusal;
+  Step refusal = MoveTo(pair, target);
+  for (int attempt = 0; attempt < kMostNameAttempts && IsTakenName(refusal); ++attempt) {
+    refusal = MakeRoom(job, pair, target);
+    if (!refusal) refusal = MoveTo(pair, target);
   }
+  if (!refusal) return std::nullopt;
+  if (pair.IsProofNeeded()) static_cast<void>(TheMachine().Pins().PutBack(pair.file.Get()));
   mProvidedFolder.clear();
-  mLastNames.erase(name);
-  return Fail(log_kind::MoveError, fileSpec, newPath, code);
+  mLastNames.clear();
+  return refusal;
 }
 
 }  // namespace quillmarsh

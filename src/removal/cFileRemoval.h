@@ -1,54 +1,74 @@
 // SPDX-License-Identifier: MIT
-// Removes one file by the removal method of the options and writes its entry to the history: one
-// entry a file, whatever happens. It keeps nothing of a file, and of the disk only which target
-// folder it saw last.
+// Removes one file by the removal method of the plan and writes its entry to the history: one entry
+// a file, whatever happens. The file and the copy that stays are pinned from the look at them to
+// the removal; whatever differs keeps the file. It keeps nothing of a file, and of the disk only
+// which target folder it saw last.
 #pragma once
 
 #include <unordered_map>
+#include <unordered_set>
 
+#include "removal/RemovalChecks.h"
 #include "removal/RemovalEntry.h"
-#include "removal/RemovalGuard.h"
-#include "settings/clsDupeSettings.h"
+#include "removal/RemovalPlan.h"
 
 namespace quillmarsh {
 
 class cFileRemoval {
  public:
-  // The method and its folder are those of this moment: what somebody chooses while files are being
-  // removed is for the next time. Guard and listener may be null; the guard is not owned.
-  cFileRemoval(const clsDupeSettings& settings, RemovalGuard* guard, RemovalListener listener)
-      : mMethod(settings.RemoveMethod()),
-        mOtherFolder(settings.UserDefinedMoveFolderPath()),
-        mGuard(guard),
-        mListener(std::move(listener)) {}
+  // What of one file is known before it is removed.
+  struct Job {
+    const PlannedRemoval& planned;
+    Text fileSpec;
+    Text target;                    // empty for a file that is not moved
+    Text asideName;                 // by which it is taken aside in its folder
+    std::optional<FileState> seen;  // as the journal has it
+  };
+  enum class Result : std::uint8_t { Removed, Failed, Kept, Stopped };
+  struct Done {
+    Result result = Result::Failed;
+    bool isSpaceFreed = false;  // it was the last name of its file
+    bool isDeletedForGood = false;
+    Text target = {};  // where a moved file is
+  };
 
-  // `result` true: the file is gone from its place. False: it is where it was. Also true, with
-  // nothing done, for a method number that has no meaning. `dupesFolder` with a final backslash.
-  void RemoveFile(TextView fileSpec, TextView dupesFolder, bool& result);
-  // Of those that were to go to the Recycle Bin, how many it refused and so are nowhere.
-  [[nodiscard]] std::int32_t DeletedForGoodCount() const { return mDeletedForGoodCount; }
+  // `deletesWithoutBin`: what is on a drive without a Recycle Bin is deleted. The listener may be
+  // null; nothing is owned.
+  cFileRemoval(const cSearchResults& results, const RemovalPlan& plan, RemovalChecks& checks,
+               bool deletesWithoutBin, RemovalListener listener);
+
+  [[nodiscard]] Done RemoveFile(const Job& job);
 
  private:
-  [[nodiscard]] bool Delete(TextView fileSpec);
-  [[nodiscard]] bool Recycle(TextView fileSpec);
-  [[nodiscard]] bool MoveToDupesFolder(TextView fileSpec, TextView dupesFolder);
-  [[nodiscard]] bool MoveToOtherFolder(TextView fileSpec);
+  using Step = std::optional<Refusal>;
+
+  [[nodiscard]] Done Remove(const Job& job);
+  // The last look before a removal; with `isAside` the file is taken aside for it.
+  [[nodiscard]] Step Prepare(const HeldPair& pair, bool isAside);
+  [[nodiscard]] Step Delete(const HeldPair& pair);
+  // The others can be taken back, so that the file is taken aside only for the proof.
+  [[nodiscard]] Step Recycle(const HeldPair& pair);
+  [[nodiscard]] Step Move(const Job& job, const HeldPair& pair, Text& target);
+  [[nodiscard]] static Step MoveTo(const HeldPair& pair, const Text& target);
+  // Of a taken name: what is there gives way in the DUPES folder where it has the same bytes; else
+  // `target` becomes a free name.
+  [[nodiscard]] Step MakeRoom(const Job& job, const HeldPair& pair, Text& target);
 
   void AddEntry(const RemovalEntry& entry) const;
-  // False, with the entry of the failure.
-  [[nodiscard]] bool Fail(std::int32_t kind, TextView fileSpec, TextView target,
-                          std::uint32_t code) const;
-  // A code; makes the folder when it is missing.
+  [[nodiscard]] Done Keep(const Job& job, const Text& target, const Refusal& refusal) const;
+  // A code; makes and marks the folder when it is missing.
   [[nodiscard]] std::uint32_t ProvideFolder(TextView folder);
+  [[nodiscard]] bool IsListedCopy(TextView path) const;
 
-  const quillmarsh::RemoveMethod mMethod;
-  const Text mOtherFolder;
-  RemovalGuard* const mGuard;
+  const RemovalPlan& mPlan;
+  RemovalChecks& mChecks;
+  const bool mDeletesWithoutBin;
   const RemovalListener mListener;
-  std::int32_t mDeletedForGoodCount = 0;
-  Text mProvidedFolder;  // was there when it was looked at last
-  // By file name, the last name that a file of it was given in the other folder.
+  Text mProvidedFolder;                      // was there when it was looked at last
+  std::unordered_set<Text> mClearedFolders;  // of unfinished copies of earlier removals
+  // By file name, the last name that a file of it was given in the target folder.
   std::unordered_map<Text, Text> mLastNames;
+  std::unordered_set<Text> mCopiesInDupesFolder;  // listed files there that stay
 };
 
 }  // namespace quillmarsh

@@ -4,18 +4,23 @@
 
 #include <algorithm>
 #include <chrono>
+#include <random>
 
 #include "base/LocaleFormat.h"
+#include "base/OwnFiles.h"
 #include "frame/CommandScope.h"
 #include "frame/ErrorReporting.h"
 #include "frame/ProgramFlags.h"
 #include "frame/Pump.h"
 #include "frame/TextTable.h"
 #include "frame/Views.h"
+#include "fsobjects/EntryLook.h"
 #include "fsobjects/LocaleFormats.h"
 #include "fsobjects/modShlWAPI.h"
 #include "removal/RemovalLock.h"
+#include "removal/RemovalRecovery.h"
 #include "removal/cFileRemoval.h"
+#include "removal/history/RemovalJournal.h"
 #include "removal/history/cLog.h"
 #include "selection/MarkedFiles.h"
 #include "settings/OptionsFolder.h"
@@ -29,6 +34,27 @@ namespace {
 constexpr TextView kSource = u"frmFindDuplicates.RemoveMarkedFilesAllGroups";
 constexpr TextView kLineBreak = u"\r\n";
 constexpr auto kSaveInterval = std::chrono::seconds(1);
+constexpr std::size_t kMostInBatch = 100;
+constexpr TextView kAnotherRuns = u"Another removal is running";
+
+Text WithoutLineBreak(std::uint32_t code) {
+  Text text = GetSystemErrorText(code);
+  while (text.ends_with(u'\n') || text.ends_with(u'\r')) text.pop_back();
+  if (text.ends_with(u'.')) text.pop_back();
+  return text;
+}
+
+bool AskYesNo(const Text& question) {
+  return ShowMessageBox({question, LoadResString(377), MessageBoxIcon::Exclamation,
+                         MessageBoxButtons::YesNo, MessageBoxResult::No}) == MessageBoxResult::Yes;
+}
+
+bool AskAboutMemory() {
+  return AskYesNo(
+      u"A copy that you are keeping is on a file system in memory.  It would be lost when the "
+      u"computer is switched off.\r\n\r\nDo you want to remove files of which only such a copy is "
+      u"left?");
+}
 
 void WriteHistory() {
   AddToLog(log_kind::EndRemoval);
@@ -40,14 +66,30 @@ void WriteHistory() {
 }  // namespace
 
 struct cRemovalRun::Walk {
-  Walk(Mode walkMode, const clsDupeSettings& settings, RemovalGuard* walkGuard,
-       RemovalListener listener)
-      : mode(walkMode), removal(settings, walkGuard, std::move(listener)), guard(walkGuard) {}
+  Walk(const cSearchResults& results, const clsDupeSettings& settings,
+       const RemovalOptions& walkOptions, std::function<bool()> mayTrustMemory,
+       RemovalListener walkListener)
+      : options(walkOptions),
+        listener(std::move(walkListener)),
+        plan(PlanRemoval(results, settings)),
+        journal(plan.Method()),
+        checks(results, {walkOptions.comparesContents, std::move(mayTrustMemory)}) {}
 
-  const Mode mode;
-  Text dupesFolder;
-  cFileRemoval removal;
-  RemovalGuard* const guard;
+  [[nodiscard]] bool IsPlanned(std::int32_t record) const {
+    return next < plan.Files().size() && plan.Files()[next].record == record;
+  }
+
+  RemovalOptions options;
+  const RemovalListener listener;
+  const RemovalPlan plan;
+  cRemovalJournal journal;
+  RemovalChecks checks;
+  std::optional<cFileRemoval> removal;
+  std::size_t next = 0;              // of the planned files
+  std::vector<JournalRecord> batch;  // journalled, with what was seen of each
+  std::vector<std::optional<FileState>> seen;
+  std::size_t batchBegin = 0;
+  std::uint64_t asideNumber = std::random_device()() * std::uint64_t{1000000};
   std::int32_t scannedCount = 0;
   Outcome outcome;
   std::chrono::steady_clock::time_point nextSave = std::chrono::steady_clock::now() + kSaveInterval;
@@ -78,75 +120,112 @@ void cRemovalRun::GetRemovalMethodDescription(Text& text) const {
   text.clear();
 }
 
-void cRemovalRun::RemoveMarkedFilesAllGroups(bool listOnly, RemovalGuard* guard) {
-  if (listOnly) {
-    Walk walk(Mode::ListOnly, mSettings, nullptr, {});
-    Guarded(kSource, [&] { RemoveMarked(walk); });
-    Close();
-    return;
-  }
+// Every marked file leaves the lists, and none the disk.
+void cRemovalRun::ListOnly() {
+  Guarded(kSource, [&] {
+    mView.DisableUIForRemoval();
+    if (gViews.status != nullptr) gViews.status->ShowProgress(mResults.mDupeFileCount);
+    AddToLog(log_kind::BeginRemoval);
+    const cResultsList& list = mResults.ulvwDupeGroups;
+    for (std::int32_t position = 0; position < list.Count(); ++position) {
+      const std::int32_t group = list.ItemData(position);
+      const std::vector<std::int32_t> members = mResults.MembersOf(group);
+      auto remainingInGroup = static_cast<std::int32_t>(members.size());
+      for (const std::int32_t record : members)
+        if (IsMarked(mResults, record)) TakeOutOfGroup(group, record, --remainingInGroup);
+    }
+  });
+  Close(nullptr);
+}
+
+void cRemovalRun::RemoveMarkedFilesAllGroups(bool listOnly) {
+  if (listOnly) return ListOnly();
   const CommandScope command;
   if (!command.IsEntered()) return;
-  // A stop of an earlier search is none of this one, also where something has to be waited for.
+  // A stop of an earlier search is none of this one, even if something has to be waited for.
   gUserAbort = false;
   const StoppablePart stoppable;
-  const RemovalLock lock(mResults);
+  RecoverInterruptedRemovals();
+  const RemovalLock lock;
   if (lock.IsHeldByAnother()) {
-    ShowMessageBox({u"Another removal is running.  Please try again when it has ended.",
+    ShowMessageBox({Text(kAnotherRuns) + u".  Please try again when it has ended.",
                     LoadResString(377), MessageBoxIcon::Exclamation});
     return;
   }
-  Walk walk(Mode::Files, mSettings, guard, {});
+  static_cast<void>(GetDupesFolderPath());
+  Walk walk(mResults, mSettings, {}, AskAboutMemory, {});
   std::int32_t confirmedCount = 0;
   walk.outcome.isFailed = !Guarded(kSource, [&] {
-    walk.dupesFolder = GetDupesFolderPath();
-    if (!AskBeforeRemoval(confirmedCount)) return;
+    if (gUserAbort || !AskBeforeRemoval(walk, confirmedCount)) return;
     SetPanel(PANEL1, LoadResString(381) + u"...");
     RemoveMarked(walk);
   });
-  walk.outcome.deletedForGoodCount = walk.removal.DeletedForGoodCount();
-  Close();
+  Close(&walk);
   TellEnd(walk.outcome, confirmedCount);
 }
 
-cRemovalRun::Outcome cRemovalRun::RemoveWithoutAsking(RemovalGuard* guard,
+cRemovalRun::Outcome cRemovalRun::RemoveWithoutAsking(const RemovalOptions& options,
                                                       RemovalListener listener) {
   const CommandScope command;
   if (command.IsEntered()) gUserAbort = false;
   const StoppablePart stoppable;
-  const RemovalLock lock(mResults);
-  if (!command.IsEntered() || lock.IsHeldByAnother()) {
-    Outcome refused;
-    refused.isRefused = true;
-    return refused;
-  }
-  Walk walk(Mode::Files, mSettings, guard, std::move(listener));
-  walk.outcome.isFailed = !Guarded(kSource, [&] {
-    walk.dupesFolder = GetDupesFolderPath();
-    RemoveMarked(walk);
+  RecoverInterruptedRemovals();
+  const RemovalLock lock;
+  Outcome refused;
+  refused.isRefused = true;
+  refused.problem = kAnotherRuns;
+  if (!command.IsEntered() || lock.IsHeldByAnother()) return refused;
+  static_cast<void>(GetDupesFolderPath());
+  Walk walk(
+      mResults, mSettings, options, [&options] { return options.trustsMemory; },
+      std::move(listener));
+  const bool isDone = Guarded(kSource, [&] {
+    if (gUserAbort)
+      walk.outcome.isStopped = true;
+    else if (!HasRoom(walk) || !BeginHistory(walk))
+      walk.outcome.isRefused = true;
+    else
+      RemoveMarked(walk);
   });
-  Close();
+  if (!isDone) walk.outcome.isFailed = true;
+  Close(&walk);
   return walk.outcome;
 }
 
 // The guidelines, the first time, stand in for the confirmation. That they were shown is noted
 // before they open, so that Cancel does not bring them back next time.
-bool cRemovalRun::AskBeforeRemoval(std::int32_t& confirmedCount) {
+bool cRemovalRun::AskBeforeRemoval(Walk& walk, std::int32_t& confirmedCount) {
   if (!mSettings.RemoveWarningShown()) {
     mSettings.SetRemoveWarningShown(true);
     gRemovalWarningResult = mView.ShowRemovalWarning();
     if (gRemovalWarningResult == kRemovalWarningCancel) return false;
-  } else if (!ConfirmMarkedFiles(confirmedCount)) {
+  } else if (!ConfirmMarkedFiles(walk, confirmedCount)) {
     return false;
   }
-  if (ConfirmGroupsLeftWithoutCopy()) return true;
+  if (ConfirmGroupsLeftWithoutCopy() && MayBegin(walk)) return true;
   confirmedCount = 0;
   return false;
 }
 
-bool cRemovalRun::ConfirmMarkedFiles(std::int32_t& confirmedCount) {
-  std::int32_t count = 0;
-  GetMarkedCount(count);
+bool cRemovalRun::MayBegin(Walk& walk) {
+  if (!HasRoom(walk)) {
+    ShowMessageBox({walk.outcome.problem + u".", LoadResString(377), MessageBoxIcon::Exclamation});
+    return false;
+  }
+  if (!BeginHistory(walk)) {
+    const Text question = walk.outcome.problem +
+                          u".\r\n\r\nNo one could look up later what was removed and where it "
+                          u"went.  Do you want to remove the files without a history?";
+    if (!AskYesNo(question)) return false;
+    walk.outcome.problem.clear();
+    walk.options.keepsHistory = false;
+  }
+  AskAboutFilesWithoutBin(walk);
+  return true;
+}
+
+bool cRemovalRun::ConfirmMarkedFiles(const Walk& walk, std::int32_t& confirmedCount) {
+  const auto count = static_cast<std::int32_t>(walk.plan.Files().size());
   if (count == 0) {
     ShowMessageBox({LoadResString(376), LoadResString(377), MessageBoxIcon::Information});
     return false;
@@ -154,9 +233,13 @@ bool cRemovalRun::ConfirmMarkedFiles(std::int32_t& confirmedCount) {
   Text method;
   GetRemovalMethodDescription(method);
   const Text lineBreak(kLineBreak);
-  const Text question = LoadResString(378) + u": " + DecimalText(count) + lineBreak +
-                        LoadResString(379) + u": " + method + lineBreak + lineBreak +
-                        LoadResString(380);
+  Text question = LoadResString(378) + u": " + DecimalText(count) + lineBreak + LoadResString(379) +
+                  u": " + method + lineBreak;
+  for (const Obstacle obstacle : {Obstacle::AlreadyThere, Obstacle::NameNotHeld})
+    if (const std::int32_t kept = walk.plan.CountOf(obstacle); kept > 0)
+      question += u"Files that stay because " + Text(ReasonOf(obstacle)) + u": " +
+                  FormatGrouped(std::int64_t{kept}, GetLocaleFacts()) + lineBreak;
+  question += lineBreak + LoadResString(380);
   const bool agreed =
       ShowMessageBox({question, LoadResString(377), MessageBoxIcon::Question,
                       MessageBoxButtons::YesNo, MessageBoxResult::No}) == MessageBoxResult::Yes;
@@ -164,29 +247,66 @@ bool cRemovalRun::ConfirmMarkedFiles(std::int32_t& confirmedCount) {
   return agreed;
 }
 
-// Nobody loses a last copy unasked, also not by a rule that says so or by marks set by hand.
+// Nobody loses a last copy unasked, even by a rule that says so or by marks set by hand.
 bool cRemovalRun::ConfirmGroupsLeftWithoutCopy() {
   const std::int32_t groups = WhollyMarkedGroupCount(mResults);
   if (groups == 0) return true;
-  const Text lineBreak(kLineBreak);
-  const Text question =
-      u"Groups of which every file is selected, so that no copy stays in its "
-      u"place: " +
-      FormatGrouped(std::int64_t{groups}, GetLocaleFacts()) + lineBreak + lineBreak +
-      LoadResString(380);
-  return ShowMessageBox({question, LoadResString(377), MessageBoxIcon::Exclamation,
-                         MessageBoxButtons::YesNo, MessageBoxResult::No}) == MessageBoxResult::Yes;
+  return AskYesNo(u"Groups of which every file is selected, so that no copy stays in its place: " +
+                  FormatGrouped(std::int64_t{groups}, GetLocaleFacts()) + Text(kLineBreak) +
+                  Text(kLineBreak) + LoadResString(380));
+}
+
+void cRemovalRun::AskAboutFilesWithoutBin(Walk& walk) {
+  const std::int32_t count = walk.plan.CountOf(Obstacle::NoRecycleBin);
+  if (count == 0) return;
+  walk.options.deletesWithoutBin =
+      AskYesNo(u"Files on drives that have no Recycle Bin: " +
+               FormatGrouped(std::int64_t{count}, GetLocaleFacts()) +
+               u"\r\n\r\nDo you want to delete these files permanently?  If you choose No, they "
+               u"are kept.");
+}
+
+bool cRemovalRun::HasRoom(Walk& walk) const {
+  if (walk.plan.HasRoom()) return true;
+  const auto size = [](std::uint64_t bytes) {
+    return FormatByteSize(Currency::FromInteger(static_cast<std::int64_t>(bytes)));
+  };
+  walk.outcome.problem = u"The drive of \"" + TheMachine().Drives().ShownPath(walk.plan.Folder()) +
+                         u"\" has " + size(walk.plan.FreeBytes()) + u" free, and the files need " +
+                         size(walk.plan.BytesToCopy()) + u"";
+  return false;
+}
+
+// Nothing is removed that cannot be written down.
+bool cRemovalRun::BeginHistory(Walk& walk) {
+  AddToLog(log_kind::BeginRemoval);
+  if (!walk.options.keepsHistory) return true;
+  bool isWritten = walk.journal.Begin();
+  std::uint32_t code = TheMachine().GetLastError();
+  if (isWritten && gLog != nullptr) {
+    gLog->AppendInMemoryStringToLogFile();
+    isWritten = gLog->WasLastBatchWritten();
+    code = TheMachine().GetLastError();
+    gLog->ResetInMemoryLog();
+  }
+  if (isWritten) return true;
+  walk.outcome.problem = u"The history cannot be written: " + WithoutLineBreak(code);
+  walk.outcome.isHistoryMissing = true;
+  return false;
 }
 
 void cRemovalRun::RemoveMarked(Walk& walk) {
   mView.DisableUIForRemoval();
   if (gViews.status != nullptr) gViews.status->ShowProgress(mResults.mDupeFileCount);
-  AddToLog(log_kind::BeginRemoval);
+  // A stop of an earlier copy, move or delete is none of this run, nor the other way round.
   gFSOCancelled = false;
+  walk.removal.emplace(mResults, walk.plan, walk.checks, walk.options.deletesWithoutBin,
+                       walk.listener);
   const cResultsList& list = mResults.ulvwDupeGroups;
   for (std::int32_t position = 0; position < list.Count(); ++position) {
     if (!RemoveFromGroup(walk, list.ItemData(position))) break;
   }
+  gFSOCancelled = false;
 }
 
 bool cRemovalRun::EndByStop(Walk& walk) {
@@ -203,28 +323,70 @@ bool cRemovalRun::RemoveFromGroup(Walk& walk, std::int32_t group) {
     if (gUserAbort) return EndByStop(walk);
     walk.scannedCount += 1;
     if (gViews.status != nullptr) gViews.status->SetProgress(walk.scannedCount);
-    if (!mResults.mFileMarked[static_cast<std::size_t>(record) - 1]) continue;
-    bool isRemoved = walk.guard == nullptr || walk.guard->MayRemove(group, record);
-    // A stop while the guard compares leaves the file as one that was not reached.
-    if (!isRemoved && gUserAbort) return EndByStop(walk);
-    if (!isRemoved) walk.outcome.refusedCount += 1;
-    if (isRemoved && walk.mode == Mode::Files) {
-      const Text fileSpec = mResults.FullPathOf(mResults.Record(record));
-      walk.removal.RemoveFile(fileSpec, walk.dupesFolder, isRemoved);
-    }
-    if (!isRemoved) {
-      walk.outcome.failedCount += 1;
-      continue;
-    }
-    walk.outcome.removedCount += 1;
-    const Currency size = mResults.Record(record).Size;
-    if (size > Currency())
-      walk.outcome.removedSize = Currency::SaturatingSum(walk.outcome.removedSize, size);
-    remainingInGroup -= 1;
-    TakeOutOfGroup(group, record, remainingInGroup);
-    SaveHistoryIfDue(walk);
+    if (walk.IsPlanned(record) && !RemoveNextFile(walk, remainingInGroup)) return false;
   }
   return true;
+}
+
+bool cRemovalRun::RemoveNextFile(Walk& walk, std::int32_t& remainingInGroup) {
+  if (!PlanBatch(walk)) return false;
+  const PlannedRemoval& planned = walk.plan.Files()[walk.next];
+  const JournalRecord& record = walk.batch[walk.next - walk.batchBegin];
+  const cFileRemoval::Job job{planned, record.path, record.target, record.asideName,
+                              walk.seen[walk.next - walk.batchBegin]};
+  walk.next += 1;
+  const cFileRemoval::Done done = walk.removal->RemoveFile(job);
+  if (done.result == cFileRemoval::Result::Stopped) return EndByStop(walk);
+  const bool isRemoved = done.result == cFileRemoval::Result::Removed;
+  walk.journal.Done(record.sequence, isRemoved ? JournalOutcome::Removed : JournalOutcome::Kept,
+                    isRemoved && done.target != record.target ? done.target : Text());
+  if (!isRemoved) {
+    walk.outcome.failedCount += 1;
+    if (done.result == cFileRemoval::Result::Kept) walk.outcome.keptCount += 1;
+    return true;
+  }
+  walk.outcome.removedCount += 1;
+  if (done.isDeletedForGood) walk.outcome.deletedForGoodCount += 1;
+  const Currency size = mResults.Record(planned.record).Size;
+  if (done.isSpaceFreed && size > Currency())
+    walk.outcome.removedSize = Currency::SaturatingSum(walk.outcome.removedSize, size);
+  remainingInGroup -= 1;
+  TakeOutOfGroup(planned.group, planned.record, remainingInGroup);
+  SaveHistoryIfDue(walk);
+  return true;
+}
+
+// The next files, as they are now, go to the journal before the first of them is touched.
+bool cRemovalRun::PlanBatch(Walk& walk) {
+  if (walk.next < walk.batchBegin + walk.batch.size()) return true;
+  walk.batch.clear();
+  walk.seen.clear();
+  walk.batchBegin = walk.next;
+  const auto end = std::chrono::steady_clock::now() + kSaveInterval;
+  const std::vector<PlannedRemoval>& files = walk.plan.Files();
+  while (walk.batchBegin + walk.batch.size() < files.size() && walk.batch.size() < kMostInBatch &&
+         (walk.batch.empty() || std::chrono::steady_clock::now() < end)) {
+    DoEvents_Fast();
+    const std::size_t index = walk.batchBegin + walk.batch.size();
+    JournalRecord& record = walk.batch.emplace_back();
+    record.sequence = static_cast<std::int64_t>(index) + 1;
+    record.path = walk.plan.FileSpecOf(files[index]);
+    record.asideName = OwnFileName(OwnFile::Aside, ++walk.asideNumber);
+    record.target = walk.plan.TargetOf(files[index]);
+    const EntryLook look = LookAtEntry(record.path);
+    walk.seen.push_back(look.IsPresent() ? std::optional(look.state) : std::nullopt);
+    record.size = static_cast<std::int64_t>(look.state.size);
+    record.created = look.state.created.Ticks();
+    record.written = look.state.written.Ticks();
+    record.changed = look.state.changed.Ticks();
+    record.volume = look.state.volume;
+    record.file = look.state.number;
+  }
+  if (!walk.options.keepsHistory || walk.journal.Plan(walk.batch)) return true;
+  walk.outcome.problem = u"The history cannot be written, so nothing more was removed: " +
+                         WithoutLineBreak(TheMachine().GetLastError());
+  walk.outcome.isFailed = true;
+  return false;
 }
 
 // Nobody else knows where a moved file came from: a program that is killed loses no more than the
@@ -261,7 +423,7 @@ void cRemovalRun::TakeOutOfGroup(std::int32_t group, std::int32_t record,
 }
 
 // Reached on every way, also after a No and after a failure in the middle.
-void cRemovalRun::Close() {
+void cRemovalRun::Close(Walk* walk) {
   Guarded(kSource, [&] {
     // Only now, in one pass: the walk goes by positions.
     mResults.ulvwDupeGroups.RemoveIf([this](std::int32_t group) {
@@ -280,7 +442,11 @@ void cRemovalRun::Close() {
     }
     ShowSelectedCountAndSizeInStatusBar(GetTotalMarkedCountAndSize(mResults));
   });
-  Guarded(kSource, [] { WriteHistory(); });
+  Guarded(kSource, [&] {
+    WriteHistory();
+    if (walk != nullptr && walk->removal && walk->options.keepsHistory)
+      static_cast<void>(walk->journal.End());
+  });
   mView.EnableUIAfterRemoval();
   Guarded(kSource, [&] {
     if (mResults.mDupeFileCount == 0) {
@@ -294,13 +460,13 @@ void cRemovalRun::Close() {
   });
 }
 
-// What a person does not expect, as further lines of the closing message.
+// What the user does not expect, as further lines of the closing message.
 Text cRemovalRun::NotesOf(const Outcome& outcome) {
   const std::pair<TextView, std::int32_t> notes[] = {
-      {u"Files left in their places, since they or the copies that were to stay have changed since "
-       u"the search: ",
-       outcome.refusedCount},
-      {u"Files that the Recycle Bin refused, so that they were deleted for good: ",
+      {u"Files that were kept.  They, or the copies you are keeping, are in use or have changed "
+       u"since the search, or are not two files.  The history says why for each: ",
+       outcome.keptCount},
+      {u"Files that were deleted permanently because their drives have no Recycle Bin: ",
        outcome.deletedForGoodCount}};
   Text text;
   for (const auto& [note, count] : notes) {
@@ -308,6 +474,8 @@ Text cRemovalRun::NotesOf(const Outcome& outcome) {
       text += Text(kLineBreak) + Text(kLineBreak) + Text(note) +
               FormatGrouped(std::int64_t{count}, GetLocaleFacts());
   }
+  if (!outcome.problem.empty())
+    text += Text(kLineBreak) + Text(kLineBreak) + outcome.problem + u".";
   return text;
 }
 

@@ -63,4 +63,11 @@ void MarkDupesFolder(TextView folder) {
                                       false, TextEncoding::None));
 }
 
+Text DupesFolderPathWithoutMaking() {
+  if (!mDupesFolderPath.empty()) return mDupesFolderPath;
+  const Text localData = TheMachine().Desktop().SHGetFolderPathW(CSIDL_LOCAL_APPDATA);
+  if (localData.empty()) return {};
+  return AddBackslash(localData) + Text(kFolderBelowLocalData) + Text(kDupesFolderName);
+}
+
 }  // namespace quillmarsh

@@ -18,6 +18,8 @@ extern Text mDupesFolderPath;
 // mDupesFolderPath, decided now if it was not ("DUPES\" in the folder of the options file) and made
 // and marked when missing. Empty where there is no folder of the options file.
 [[nodiscard]] Text GetDupesFolderPath();
+// The same path, with nothing decided or made.
+[[nodiscard]] Text DupesFolderPathWithoutMaking();
 
 // Puts the marker file into a folder, by which every later search knows it for a DUPES folder and
 // skips it, also when another folder has become the DUPES folder. A marker that is there stays as

@@ -10,7 +10,7 @@
 #include "frame/TextTable.h"
 #include "platform/Machine.h"
 #include "removal/DuplicatesExport.h"
-#include "removal/VerifyingGuard.h"
+#include "removal/RemovalRecovery.h"
 #include "removal/cRemovalRun.h"
 #include "removal/history/HistoryCommands.h"
 #include "removal/history/cLog.h"
@@ -33,18 +33,13 @@ constexpr TextView kWebPage = u"https://quillmarsh.example/";
 constexpr TextView kSalesAddress = u"sales@quillmarsh.example";
 
 void FindDuplicates(Parts& parts) {
+  RecoverInterruptedRemovals();
   parts.lastSearch = parts.session.FindDuplicateFiles();
 }
 
-// A window may show its results for days before they are acted upon.
 void RemoveMarkedFiles(Parts& parts) {
-  VerifyingGuard guard(
-      parts.results, VerifyingGuard::Checks::FilesThatGo, [](TextView fileSpec, TextView reason) {
-        AddFreeTextToLog(u"File left in its place: " + TheMachine().Drives().ShownPath(fileSpec) +
-                         u" - " + Text(reason));
-      });
   cRemovalRun(parts.results, *gDupeSettings, parts.views, parts.session.FilesSearched())
-      .RemoveMarkedFilesAllGroups(false, &guard);
+      .RemoveMarkedFilesAllGroups(false);
 }
 
 void Export(Parts& parts) {

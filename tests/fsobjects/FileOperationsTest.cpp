@@ -165,7 +165,7 @@ TEST_F(FileOperations, AReadOnlyBitIsClearedOnceAndPutBackWhenThatDidNotHelp) {
   }
 }
 
-TEST_F(FileOperations, WhatTheBinRefusesIsDeletedForGoodUnlessThatIsNotWanted) {
+TEST_F(FileOperations, WhatTheBinRefusesIsDeletedForGood) {
   const Text longPath = u"C:\\" + Text(150, u'd') + u"\\" + Text(150, u'x');
   struct Row {
     const char* name;
@@ -188,25 +188,20 @@ TEST_F(FileOperations, WhatTheBinRefusesIsDeletedForGoodUnlessThatIsNotWanted) {
       {"a mask of folders", u"C:\\?\\", 0, false, false, 124,
        u"The paths in the source or destination were invalid"},
   };
-  for (const bool keeps : {false, true}) {
-    for (const Row& row : rows) {
-      SCOPED_TRACE(std::string(row.name) + (keeps ? ", kept" : ""));
-      gKeepWhatTheBinRefuses = keeps;
-      if (!machine.Exists(longPath)) machine.AddFile(longPath);
-      if (!machine.Exists(u"C:\\d\\a.txt")) machine.AddFile(u"C:\\d\\a.txt");
-      const std::size_t before = machine.TreeOf(u"C:\\").size();
-      machine.SetBinAnswer(row.answer);
-      hook.ClearJournal();
-      const bool isDeleted = !keeps && row.fallsThrough;
-      EXPECT_EQ(Do(Verb::Recycle, row.path), isDeleted);
-      EXPECT_EQ(Calls(Operation::SHFileOperationW), row.isAsked ? 1U : 0U);
-      EXPECT_EQ(machine.TreeOf(u"C:\\").size(), before - (isDeleted ? 1U : 0U));
-      EXPECT_EQ(number, isDeleted ? 0 : row.code);
-      EXPECT_EQ(message, isDeleted ? Text() : Text(row.text) + u" (*SHFileOp*)");
-    }
+  for (const Row& row : rows) {
+    SCOPED_TRACE(row.name);
+    if (!machine.Exists(longPath)) machine.AddFile(longPath);
+    if (!machine.Exists(u"C:\\d\\a.txt")) machine.AddFile(u"C:\\d\\a.txt");
+    const std::size_t before = machine.TreeOf(u"C:\\").size();
+    machine.SetBinAnswer(row.answer);
+    hook.ClearJournal();
+    EXPECT_EQ(Do(Verb::Recycle, row.path), row.fallsThrough);
+    EXPECT_EQ(Calls(Operation::SHFileOperationW), row.isAsked ? 1U : 0U);
+    EXPECT_EQ(machine.TreeOf(u"C:\\").size(), before - (row.fallsThrough ? 1U : 0U));
+    EXPECT_EQ(number, row.fallsThrough ? 0 : row.code);
+    EXPECT_EQ(message, row.fallsThrough ? Text() : Text(row.text) + u" (*SHFileOp*)");
   }
   // The shell would take the current folder for these.
-  gKeepWhatTheBinRefuses = false;
   hook.ClearJournal();
   for (const TextView path : {u"", u"C:\\", u"C:", u"x"}) EXPECT_TRUE(Do(Verb::Recycle, path));
   EXPECT_EQ(Calls(Operation::SHFileOperationW), 0U);

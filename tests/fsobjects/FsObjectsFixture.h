@@ -83,7 +83,7 @@ class FsObjectsFixture : public ::testing::Test, protected MachineFixture, priva
     return answer;
   }
   static void ResetFlags() {
-    gUserAbort = gIsWow64 = gFSOCancelled = gKeepWhatTheBinRefuses = false;
+    gUserAbort = gIsWow64 = gFSOCancelled = false;
     mCheckFolderPermission = true;
   }
 

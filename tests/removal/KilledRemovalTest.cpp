@@ -16,6 +16,7 @@
 #include <fstream>
 #include <map>
 #include <random>
+#include <set>
 
 #include "base/OwnFiles.h"
 #include "fsobjects/ChecksumLibrary.h"
@@ -24,6 +25,7 @@
 #include "fsobjects/cFileSpecParser.h"
 #include "fsobjects/modPaths.h"
 #include "platform/posix/PosixMachine.h"
+#include "removal/RemovalRecovery.h"
 #include "removal/cRemovalRun.h"
 #include "removal/history/cLog.h"
 #include "search/cSearchSession.h"
@@ -116,6 +118,7 @@ void Ground::SearchAndRemove(RemoveMethod method, CallHook* hook, int ready) con
   mDupesFolderPath =
       AddBackslash(machine.Drives().NewLocationFromNative((mTarget / "dupes").string()).path);
 
+  RecoverInterruptedRemovals();
   cSearchResults results;
   QuietSearchView view({machine.Drives().LocationFromNative(mTree.string()).path});
   if (cSearchSession(results, settings, view).FindDuplicateFiles() != SearchOutcome::Complete)
@@ -127,8 +130,7 @@ void Ground::SearchAndRemove(RemoveMethod method, CallHook* hook, int ready) con
   QuietRemovalView removalView;
   machine.SetHook(hook);
   if (ready >= 0 && ::write(ready, "r", 1) != 1) ::_exit(1);
-  const auto outcome =
-      cRemovalRun(results, settings, removalView, 0).RemoveWithoutAsking(nullptr, {});
+  const auto outcome = cRemovalRun(results, settings, removalView, 0).RemoveWithoutAsking({}, {});
   ::_exit(outcome.failedCount == 0 && !outcome.isFailed ? 0 : 1);
 }
 
@@ -159,10 +161,17 @@ int Ground::ExpectAllWhole(RemoveMethod method) const {
       }
     }
   }
-  int left = 0;
+  // What was taken aside in the moment of the kill is put back by the next run.
+  std::set<std::string> aside;
+  for (const auto& entry : fs::directory_iterator(mTree / "dup"))
+    if (IsOwnFileName(FromUtf8(entry.path().filename().string()), OwnFile::Aside))
+      aside.insert(Read(entry.path()));
+  EXPECT_LE(aside.size(), 1U);
+  int left = static_cast<int>(aside.size());
   for (int i = 0; i < mFiles; ++i) {
     const fs::path path = mTree / "dup" / NameOf(i);
     const bool isThere = fs::exists(path);
+    if (!isThere && aside.contains(BytesOf("dup", i))) continue;
     left += isThere ? 1 : 0;
     if (isThere) {
       EXPECT_TRUE(Read(path) == BytesOf("dup", i)) << path << " is not whole";

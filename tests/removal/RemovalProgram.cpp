@@ -2,7 +2,6 @@
 // The forest, the run and the check of what is left.
 #include "removal/RemovalProgram.h"
 
-#include "base/CaseMapping.h"
 #include "settings/OptionsFolder.h"
 
 namespace quillmarsh {
@@ -43,13 +42,20 @@ void RemovalProgram::MarkPath(TextView path) {
   FAIL() << ToUtf8(path) << " was not found";
 }
 
-cRemovalRun::Outcome RemovalProgram::Remove(RemoveMethod method, RemovalGuard* guard) {
+cRemovalRun::Outcome RemovalProgram::Remove(RemoveMethod method, const RemovalOptions& options) {
   gDupeSettings->SetRemoveMethod(method);
   gViews.messages = &patient;
   entries.clear();
   cRemovalRun run(results, *gDupeSettings, removalView, 0);
-  return run.RemoveWithoutAsking(guard,
+  return run.RemoveWithoutAsking(options,
                                  [this](const RemovalEntry& entry) { entries.push_back(entry); });
+}
+
+std::vector<std::string> RemovalProgram::Kept() const {
+  std::vector<std::string> kept;
+  for (const RemovalEntry& entry : entries)
+    if (!entry.reason.empty()) kept.push_back(ToUtf8(entry.fileSpec) + ": " + ToUtf8(entry.reason));
+  return kept;
 }
 
 RemovalProgram::Contents RemovalProgram::ContentsNow() const {
@@ -93,21 +99,15 @@ void RemovalProgram::ExpectRemoved(const RemovalEntry& entry, const Contents& be
 void RemovalProgram::ExpectNothingLost(const Contents& before, const std::set<Text>& marked) {
   const Contents after = ContentsNow();
   std::set<Text> removed;
-  std::set<Text> replaced;
   for (const RemovalEntry& entry : entries) {
     const bool isError = entry.kind >= log_kind::DeleteError;
     if (isError) continue;
     EXPECT_TRUE(marked.contains(entry.fileSpec)) << ToUtf8(entry.fileSpec) << " was not marked";
     EXPECT_TRUE(removed.insert(entry.fileSpec).second) << "two entries for one file";
-    if (entry.kind == log_kind::FileMovedToDupesFolder)
-      replaced.insert(UpperCaseText(entry.target));
-    // A deletion for good is told as one of the Recycle Bin where that refused.
-    const bool isDeleted = entry.kind == log_kind::FileSentToRecycleBin &&
-                           !after.contains(entry.fileSpec) && machine.Recycled().empty();
-    if (!isDeleted) ExpectRemoved(entry, before, after);
+    if (!entry.isDeletedForGood) ExpectRemoved(entry, before, after);
   }
   for (const auto& [path, bytes] : before) {
-    if (removed.contains(path) || replaced.contains(UpperCaseText(path))) continue;
+    if (removed.contains(path)) continue;
     const auto found = after.find(path);
     ASSERT_NE(found, after.end()) << ToUtf8(path) << " is gone without a word";
     EXPECT_EQ(found->second, bytes) << ToUtf8(path) << " was changed";

@@ -55,7 +55,9 @@ class RemovalProgram : public ProgramFixture {
   void Mark(std::int32_t record, bool isMarked = true);
   void MarkPath(TextView path);
   // Removes by the method and keeps the entries.
-  cRemovalRun::Outcome Remove(RemoveMethod method, RemovalGuard* guard = nullptr);
+  cRemovalRun::Outcome Remove(RemoveMethod method, const RemovalOptions& options = {});
+  // Path and reason of each file that a check has kept.
+  [[nodiscard]] std::vector<std::string> Kept() const;
 
   using Contents = std::map<Text, std::string>;  // by path, of every file of the machine
   [[nodiscard]] Contents ContentsNow() const;

@@ -2,7 +2,8 @@
 // What a removal asks, tells, writes to the history and keeps in step.
 #include "frame/ProgramFlags.h"
 #include "removal/RemovalProgram.h"
-#include "removal/VerifyingGuard.h"
+#include "removal/history/RemovalJournal.h"
+#include "settings/OptionsFolder.h"
 
 namespace quillmarsh {
 namespace {
@@ -194,20 +195,37 @@ TEST_F(RemovalRun, AFileThatCannotGoStaysMarkedInItsGroup) {
   EXPECT_TRUE(other.machine.Exists(PathOf(u"1\\x")));
 }
 
-TEST_F(RemovalRun, WhatTheBinRefusedIsToldToBeGoneForGood) {
+TEST_F(RemovalRun, WhatTheBinRefusesStaysAndWithoutABinTheUserIsAskedOnce) {
   Mark({u"1\\b", u"1\\c"});
   program->machine.SetBinAnswer(120);
-  EXPECT_EQ(
-      Run(RemoveMethod::Recycle, {Yes, Ok}).back(),
-      std::string(kCompleted) +
-          "\r\n\r\nFiles that the Recycle Bin refused, so that they were deleted for good: 2");
-  EXPECT_EQ(Kinds(), "2 5 17 5 17 3");
-  EXPECT_FALSE(Exists(u"1\\b"));
+  EXPECT_TRUE(
+      Run(RemoveMethod::Recycle, {Yes, Ok}).back().starts_with("Duplicate removal is comp"));
+  EXPECT_EQ(Kinds(), "2 8 8 3");
+  EXPECT_TRUE(Exists(u"1\\b") && Exists(u"1\\c"));
+
+  for (const MessageBoxResult answer : {No, Yes}) {
+    SCOPED_TRACE(static_cast<int>(answer));
+    RemovalProgram& fresh = Renew();
+    SimulatedDrive server;
+    server.root = u"F:\\";
+    server.type = DRIVE_REMOTE;
+    fresh.machine.AddDrive(server);
+    for (const Text& path : {Text(u"C:\\data\\x"), Text(u"F:\\1\\x"), Text(u"F:\\2\\x")})
+      fresh.Put(path, 10, 1);
+    ASSERT_EQ(fresh.Search({u"C:\\data", u"F:\\"}), SearchOutcome::Complete);
+    fresh.results.mFileMarked.assign(3, false);
+    fresh.MarkPath(u"F:\\1\\x");
+    fresh.MarkPath(u"F:\\2\\x");
+    const Strings texts = Run(RemoveMethod::Recycle, {Yes, answer, Ok});
+    EXPECT_TRUE(texts[1].starts_with("Files on drives that have no Recycle Bin: 2")) << texts[1];
+    EXPECT_EQ(fresh.messages.shown.at(1).defaultButton, MessageBoxResult::No);
+    EXPECT_EQ(fresh.machine.Exists(u"F:\\1\\x"), answer == No);
+  }
 }
 
 TEST_F(RemovalRun, EscEndsItBehindTheFileThatWasUnderWay) {
   Mark({u"1\\a", u"2\\a", u"1\\c"});
-  program->hook.RunAfter({Operation::DeleteFileW, 1}, [] { gUserAbort = true; });
+  program->hook.RunAfter({Operation::SetFileInformationByHandle, 1}, [] { gUserAbort = true; });
   EXPECT_EQ(Run(RemoveMethod::Delete, {Yes, Ok}).back(), "Duplicate removal cancelled by user");
   EXPECT_EQ(Kinds(), "2 4 13 3");
   EXPECT_TRUE(!Exists(u"1\\a") && Exists(u"2\\a") && Exists(u"1\\c"));
@@ -223,15 +241,13 @@ TEST_F(RemovalRun, ListOnlyTakesMarkedFilesOutOfTheListsAndTouchesNone) {
   EXPECT_TRUE(Exists(u"1\\a") && Exists(u"1\\b"));
 }
 
-// The marks of files that are gone stay set, and the next confirmation counts them.
-TEST_F(RemovalRun, ASecondRunFindsNothingMoreAndSaysThatItCompleted) {
+// The marks of removed files stay set, but only files that are still listed count.
+TEST_F(RemovalRun, ASecondRunFindsNothingMore) {
   Mark({u"1\\a", u"1\\c"});
   EXPECT_EQ(Run(RemoveMethod::Delete, {Yes, Ok}).back(), kCompleted);
   program->log->lines.clear();
-  const Strings second = Run(RemoveMethod::Delete, {Yes, Ok});
-  EXPECT_EQ(second.front().substr(0, 28), "Number of files to remove: 2");
-  EXPECT_EQ(second.back(), kCompleted);
-  EXPECT_EQ(Kinds(), "2 3");
+  EXPECT_EQ(Run(RemoveMethod::Delete, {Ok}), Strings{"No files selected for removal"});
+  EXPECT_EQ(Kinds(), "3");
 }
 
 TEST_F(RemovalRun, ARefusedStartBringsNoRemovedFileBack) {
@@ -244,17 +260,15 @@ TEST_F(RemovalRun, ARefusedStartBringsNoRemovedFileBack) {
                                   {"C:\\data\\1\\c", "C:\\data\\2\\c", "C:\\data\\3\\c"}}));
 }
 
-TEST_F(RemovalRun, AReadOnlyBitIsClearedOnceAndComesBackWhereThatDidNotHelp) {
+TEST_F(RemovalRun, AReadOnlyFileIsRemovedAndStaysReadOnlyWhereItStays) {
   constexpr std::uint32_t readOnly = FILE_ATTRIBUTE_READONLY | FILE_ATTRIBUTE_ARCHIVE;
   program->machine.SetAttributes(PathOf(u"1\\a"), readOnly);
   program->machine.SetAttributes(PathOf(u"1\\c"), readOnly);
-  program->hook.Fail({Operation::DeleteFileW, 2, PathOf(u"1\\c")}, ERROR_ACCESS_DENIED);
-  program->hook.Fail({Operation::DeleteFileW, 0, PathOf(u"1\\b")}, ERROR_ACCESS_DENIED);
-  Mark({u"1\\a", u"1\\b", u"1\\c"});
+  program->hook.Fail({Operation::SetFileInformationByHandle, 2}, ERROR_ACCESS_DENIED);
+  Mark({u"1\\a", u"1\\c"});
   Run(RemoveMethod::Delete, {Yes, Ok});
-  EXPECT_EQ(Kinds(), "2 4 8 8 3");
+  EXPECT_EQ(Kinds(), "2 4 8 3");
   EXPECT_EQ(program->machine.AttributesOf(PathOf(u"1\\c")), readOnly);
-  EXPECT_EQ(program->hook.CountOf(Operation::DeleteFileW, PathOf(u"1\\b")), 1U);
 }
 
 // A copy on another volume whose original stays is no removal, whatever the system calls it.
@@ -266,29 +280,27 @@ TEST_F(RemovalRun, AMoveCountsOnlyWhenTheFileIsGone) {
   EXPECT_TRUE(Exists(u"1\\a"));
 }
 
-class Guard : public RemovalRun {
+class Checks : public RemovalRun {
  protected:
-  Strings RemoveGuarded(RemoveMethod method) {
-    Strings told;
-    VerifyingGuard guard(program->results, VerifyingGuard::Checks::Both,
-                         [&told](TextView path, TextView reason) {
-                           told.push_back(ToUtf8(path).substr(8) + ": " + ToUtf8(reason));
-                         });
-    mOutcome = program->Remove(method, &guard);
-    return told;
+  // What was kept and why, without the common beginning of the paths.
+  Strings Remove(RemoveMethod method) {
+    mOutcome = program->Remove(method);
+    Strings kept = program->Kept();
+    for (std::string& line : kept) line.erase(0, 8);
+    return kept;
   }
   cRemovalRun::Outcome mOutcome;
 };
 
-TEST_F(Guard, WhatChangedSinceTheSearchIsLeftAlone) {
+TEST_F(Checks, WhatChangedSinceTheSearchIsLeftAlone) {
   struct Row {
     const char* name;
     std::function<void(SimulatedMachine&)> change;
     Strings told;
   };
   const std::int64_t later = TicksOf(2026, 11, 2);
-  const Strings noCopy = {"1\\a: no copy that stays is still what the search saw",
-                          "2\\a: no copy that stays is still what the search saw"};
+  const Strings noCopy = {"1\\a: every copy you are keeping has changed since the search",
+                          "2\\a: every copy you are keeping has changed since the search"};
   const std::vector<Row> rows = {
       {"nothing", [](SimulatedMachine&) {}, {}},
       {"vanished",
@@ -323,55 +335,61 @@ TEST_F(Guard, WhatChangedSinceTheSearchIsLeftAlone) {
     fresh.MarkPath(PathOf(u"1\\a"));
     fresh.MarkPath(PathOf(u"2\\a"));
     row.change(fresh.machine);
-    Strings told;
-    VerifyingGuard guard(fresh.results, VerifyingGuard::Checks::Both,
-                         [&told](TextView path, TextView reason) {
-                           told.push_back(ToUtf8(path).substr(8) + ": " + ToUtf8(reason));
-                         });
-    const auto outcome = fresh.Remove(RemoveMethod::Delete, &guard);
-    EXPECT_EQ(told, row.told);
-    EXPECT_EQ(outcome.removedCount, 2 - static_cast<std::int32_t>(row.told.size()));
-    EXPECT_EQ(outcome.failedCount, static_cast<std::int32_t>(row.told.size()));
+    EXPECT_EQ(Remove(RemoveMethod::Delete), row.told);
+    EXPECT_EQ(mOutcome.removedCount, 2 - static_cast<std::int32_t>(row.told.size()));
+    EXPECT_EQ(mOutcome.keptCount, static_cast<std::int32_t>(row.told.size()));
   }
 }
 
-TEST_F(Guard, BytesAreComparedWhereContentsWereACriterion) {
+TEST_F(Checks, BytesAreComparedWhereContentsWereACriterion) {
   Mark({u"1\\b"});
   program->results.mCriteria.contentsMatch = true;
-  EXPECT_EQ(RemoveGuarded(RemoveMethod::Delete),
+  EXPECT_EQ(Remove(RemoveMethod::Delete),
             Strings{"1\\b: the contents differ; it was compared with \"C:\\data\\2\\b\""});
   SimulatedMachine& machine = program->machine;
   const HANDLE held = machine.HoldOpen(PathOf(u"2\\b"), 0);
-  const Strings told = RemoveGuarded(RemoveMethod::Delete);
+  const Strings told = Remove(RemoveMethod::Delete);
   ASSERT_EQ(told.size(), 1U);
-  EXPECT_TRUE(told[0].starts_with("1\\b: the other file cannot be read: ")) << told[0];
+  EXPECT_TRUE(told[0].starts_with("1\\b: the copy to keep, \"C:\\data\\2\\b\", cannot be"))
+      << told[0];
   machine.LetGo(held);
   program->hook.RunBefore({Operation::ReadFile, 1}, [] { gUserAbort = true; });
-  RemoveGuarded(RemoveMethod::Delete);
+  Remove(RemoveMethod::Delete);
   EXPECT_TRUE(mOutcome.isStopped && Exists(u"1\\b"));
   const SimulatedFacts facts = machine.FactsOf(PathOf(u"2\\b"));
   machine.SetContents(PathOf(u"2\\b"), std::string(machine.ContentsOf(PathOf(u"1\\b"))));
   machine.SetTimes(PathOf(u"2\\b"), facts.created, facts.accessed, facts.written);
-  EXPECT_EQ(RemoveGuarded(RemoveMethod::Delete), Strings{});
+  EXPECT_EQ(Remove(RemoveMethod::Delete), Strings{});
   EXPECT_FALSE(Exists(u"1\\b"));
 }
 
-TEST_F(Guard, WhatLiesInTheDupesFolderGivesWayOnlyToItsLike) {
+TEST_F(Checks, WhatIsInTheDupesFolderGivesWayOnlyToItsLikeAndNeverWhenItIsListed) {
   Mark({u"1\\a", u"1\\c"});
   const Text dupes = Text(kDupesFolder) + u"[C DRIVE]\\data\\1\\";
   program->machine.AddFile(dupes + u"a", "others");
   program->machine.AddFile(dupes + u"c", std::string(program->machine.ContentsOf(PathOf(u"1\\c"))));
-  EXPECT_EQ(RemoveGuarded(RemoveMethod::MoveToDupesFolder),
-            Strings{"1\\a: another file is in its place, \"" + ToUtf8(dupes) +
-                    "a\", and the contents differ"});
+  EXPECT_EQ(Remove(RemoveMethod::MoveToDupesFolder), Strings{});
+  EXPECT_EQ(program->entries[0].target, dupes + u"(1)");
+  EXPECT_EQ(program->entries[1].target, dupes + u"c");
   EXPECT_EQ(program->machine.ContentsOf(dupes + u"a"), "others");
-  EXPECT_TRUE(Exists(u"1\\a"));
-  EXPECT_FALSE(Exists(u"1\\c"));
+  EXPECT_FALSE(Exists(u"1\\a") || Exists(u"1\\c"));
+
+  // The DUPES folder has come to be one that was searched.
+  RemovalProgram& fresh = Renew();
+  const Text kept = u"D:\\data\\[C DRIVE]\\data\\1\\x";
+  fresh.Put(kept, 10, 1);
+  fresh.Put(PathOf(u"1\\x"), 10, 1);
+  fresh.SearchAll();
+  mDupesFolderPath = u"D:\\data\\";
+  Mark({u"1\\x"});
+  EXPECT_EQ(Remove(RemoveMethod::MoveToDupesFolder), Strings{});
+  EXPECT_TRUE(fresh.machine.Exists(kept));
+  EXPECT_NE(fresh.entries.at(0).target, kept);
 }
 
 // As where the folder of the copy has become a link to that of the file, or a server's folder is
 // mounted twice.
-TEST_F(Guard, AFileThatIsItsOwnCopyIsLeftAlone) {
+TEST_F(Checks, AFileThatIsItsOwnCopyIsKept) {
   Renew();
   program->Put(PathOf(u"1\\x"), 10, 1);
   program->Put(PathOf(u"2\\x"), 10, 1);
@@ -379,14 +397,53 @@ TEST_F(Guard, AFileThatIsItsOwnCopyIsLeftAlone) {
   Mark({u"1\\x"});
   program->machine.Remove(PathOf(u"2"));
   program->machine.AddJunction(PathOf(u"2"), PathOf(u"1"));
-  EXPECT_EQ(RemoveGuarded(RemoveMethod::Delete),
-            Strings{"1\\x: the copy that stays is this file itself"});
+  const Strings kept = Remove(RemoveMethod::Delete);
+  ASSERT_EQ(kept.size(), 1U);
+  EXPECT_TRUE(kept[0].starts_with("1\\x: the copy to keep")) << kept[0];
   EXPECT_TRUE(Exists(u"1\\x"));
+}
 
-  // Nor is one that cannot be told from the other.
-  program->hook.Fail({Operation::GetFileInformationByHandle, 1}, ERROR_ACCESS_DENIED);
-  ASSERT_EQ(RemoveGuarded(RemoveMethod::Delete).size(), 1U);
-  EXPECT_TRUE(Exists(u"1\\x"));
+TEST_F(RemovalRun, NothingBeginsThatCannotBeWrittenDownOrHasNoRoom) {
+  struct Row {
+    const char* name;
+    std::function<void(RemovalProgram&)> prepare;
+    RemovalOptions options;
+    const char* problem;  // empty: it runs
+  };
+  const auto noHistory = [](RemovalProgram& p) { p.machine.AddFolder(JournalFileSpec()); };
+  const auto full = [](RemovalProgram& p) {
+    SimulatedDrive small;
+    small.root = u"G:\\";
+    small.freeBytes = 5;
+    p.machine.AddDrive(small);
+    gDupeSettings->SetUserDefinedMoveFolderPath(u"G:\\moved\\");
+  };
+  const std::vector<Row> rows = {
+      {"no history", noHistory, {}, "The history cannot be written"},
+      {"no history wanted", noHistory, {.keepsHistory = false}, ""},
+      {"no room", full, {}, "The drive of \"G:\\moved\\\" has 5 bytes free"},
+      {"its own folder",
+       [](RemovalProgram&) { gDupeSettings->SetUserDefinedMoveFolderPath(u"C:\\data\\1\\"); },
+       {},
+       "-"},
+  };
+  for (const Row& row : rows) {
+    SCOPED_TRACE(row.name);
+    RemovalProgram& fresh = Renew();
+    for (const TextView name : {u"1\\x", u"2\\x"}) fresh.Put(PathOf(name), 10, 1);
+    fresh.SearchAll();
+    row.prepare(fresh);
+    Mark({u"1\\x"});
+    const auto outcome = fresh.Remove(RemoveMethod::MoveToOtherFolder, row.options);
+    const std::string problem = row.problem;
+    const bool isKept = problem == "-";
+    EXPECT_EQ(outcome.isRefused, !problem.empty() && !isKept);
+    EXPECT_TRUE(isKept || ToUtf8(outcome.problem).starts_with(problem)) << ToUtf8(outcome.problem);
+    EXPECT_EQ(Exists(u"1\\x"), !problem.empty());
+    if (isKept) {
+      EXPECT_EQ(fresh.Kept(), Strings{"C:\\data\\1\\x: it is already in that folder"});
+    }
+  }
 }
 
 }  // namespace

@@ -79,23 +79,8 @@ TEST_F(NameCollision, EndsForEveryNameWithAFreeOneInTheFolder) {
     ASSERT_EQ(path.rfind(u'\\'), 5U) << ToUtf8(path);
     machine.AddFile(path);
   }
-  hook.Fail({Operation::GetFileAttributesW, 0}, ERROR_ACCESS_DENIED);
+  hook.Fail({Operation::GetFileInformationByName, 0}, ERROR_ACCESS_DENIED);
   EXPECT_EQ(ResolveFileNameCollision(u"a.txt", u"C:\\shut"), u"C:\\shut\\a(100000).txt");
-}
-
-TEST_F(NameCollision, AFolderInTheFilesPlaceDoesNotGoToTheBin) {
-  machine.AddFile(u"C:\\d\\a.txt\\below");
-  machine.AddFile(u"C:\\d\\b.txt");
-  std::int32_t number = 0;
-  Text text;
-  EXPECT_FALSE(SendFileToRecycleBin(u"C:\\d\\a.txt", number, text));
-  EXPECT_EQ(number, 5);
-  EXPECT_EQ(text, u"Access is denied.\r\n");
-  EXPECT_TRUE(machine.Exists(u"C:\\d\\a.txt\\below"));
-  EXPECT_TRUE(SendFileToRecycleBin(u"C:\\d\\b.txt", number, text));
-  EXPECT_EQ(number, 0);
-  EXPECT_EQ(text, u"");
-  EXPECT_EQ(machine.Recycled().size(), 1U);
 }
 
 }  // namespace

@@ -2,6 +2,7 @@
 // Lines from fields and back. A line that does not read to its end in the way of its kind is none.
 #include "removal/history/RemovalJournal.h"
 
+#include <algorithm>
 #include <charconv>
 #include <cstring>
 #include <map>
@@ -9,15 +10,20 @@
 
 #include "base/TextEquality.h"
 #include "frame/Pump.h"
+#include "fsobjects/EntryLook.h"
+#include "fsobjects/Handles.h"
 #include "fsobjects/RecordDates.h"
 #include "fsobjects/WholeFileReading.h"
 #include "fsobjects/modAPIReadWriteFile.h"
+#include "fsobjects/modUnicode.h"
 #include "platform/Machine.h"
 #include "settings/OptionsFolder.h"
 
 namespace quillmarsh {
 namespace {
 
+constexpr std::uint32_t kShareAll = FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE;
+constexpr std::int64_t kLongestEndLine = 256;  // bytes, and even
 constexpr char16_t kLineBreak = u'\n';
 constexpr char16_t kTab = u'\t';
 // By the number of the kind.
@@ -227,6 +233,31 @@ bool cRemovalJournal::Plan(std::span<const JournalRecord> records) {
 void cRemovalJournal::Done(std::int64_t sequence, JournalOutcome outcome, TextView target) {
   mDone +=
       LineWriter(JournalLine::Kind::Done, mRun).Add(sequence).AddEnum(outcome).Add(target).Finish();
+}
+
+bool IsJournalEnded() {
+  FileInputOutput& files = TheMachine().Files();
+  const Text fileSpec = JournalFileSpec();
+  if (fileSpec.empty()) return true;
+  const FileHandle file(files.CreateFileW(ToLongPath(fileSpec), GENERIC_READ, kShareAll,
+                                          OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL));
+  if (!file.IsValid()) return SaysAbsent(TheMachine().GetLastError());
+  std::int64_t size = 0;
+  if (!files.SetFilePointerEx(file.Get(), 0, size, FILE_END)) return false;
+  const std::int64_t start = std::max<std::int64_t>(0, size - kLongestEndLine);
+  std::vector<std::byte> bytes(static_cast<std::size_t>(size - start));
+  std::uint32_t done = 0;
+  if (files.ReadFileAt(file.Get(), start, bytes, done) != ERROR_SUCCESS || done != bytes.size())
+    return false;
+  Text text(bytes.size() / sizeof(char16_t), u'\0');
+  std::memcpy(text.data(), bytes.data(), text.size() * sizeof(char16_t));
+  const auto line = Parsed(TextView(text).substr(text.rfind(kLineBreak) + 1));
+  return line && line->kind == JournalLine::Kind::End;
+}
+
+bool EndJournalRun(TextView run) {
+  return AppendStringToFile(JournalFileSpec(), LineWriter(JournalLine::Kind::End, run).Finish(),
+                            TextEncoding::Utf16LittleEndian);
 }
 
 bool cRemovalJournal::End() {

@@ -94,4 +94,10 @@ struct UnfinishedRemoval {
 // the disk knows. None when the journal cannot be read.
 [[nodiscard]] std::optional<std::vector<UnfinishedRemoval>> ReadUnfinished();
 
+// Whether the last line of the journal ends a run, or there is no journal: then nothing is
+// unfinished. Costs one short read, however long the journal is.
+[[nodiscard]] bool IsJournalEnded();
+// Ends a run whose program did not. False, with the last error, when that cannot be written.
+[[nodiscard]] bool EndJournalRun(TextView run);
+
 }  // namespace quillmarsh

@@ -200,10 +200,10 @@ void cLog::AppendInMemoryStringToLogFile() {
     const bool mayWait = mIsBatchFull && now - mLastFlush < kFlushInterval;
     if (!mayWait) mLastFlush = now;
     // No copy is made, since this is also what makes room when memory is short.
-    const bool isWritten = AppendStringToFile(LogFileSpec(), mLogBuffer.CurrentString(),
+    mWasLastBatchWritten = AppendStringToFile(LogFileSpec(), mLogBuffer.CurrentString(),
                                               TextEncoding::Utf16LittleEndian,
                                               mayWait ? FlushToDisk::Later : FlushToDisk::Now);
-    if (!isWritten) TellOfLostBatch();
+    if (!mWasLastBatchWritten) TellOfLostBatch();
   });
 }
 

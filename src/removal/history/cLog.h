@@ -69,6 +69,8 @@ class cLog {
   // Appends what is in memory to the file; the memory is emptied only by ResetInMemoryLog, which
   // therefore has to follow.
   virtual void AppendInMemoryStringToLogFile();
+  // Of the last batch that there was to write.
+  [[nodiscard]] bool WasLastBatchWritten() const { return mWasLastBatchWritten; }
   virtual void ResetInMemoryLog();
   void DeleteLogFileIfMaxSizeIsExceeded() const;
   // A failure is told in a box.
@@ -88,6 +90,7 @@ class cLog {
   bool mLogInfoOnlyErrors = true;
   clsStringAppend mLogBuffer;
   bool mIsBatchFull = false;  // while a batch is written because there is no room for more
+  bool mWasLastBatchWritten = true;
   std::chrono::steady_clock::time_point mLastFlush;
 };
 

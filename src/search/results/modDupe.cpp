@@ -10,10 +10,9 @@
 #include "base/ValueText.h"
 #include "frame/ErrorReporting.h"
 #include "frame/Pump.h"
+#include "fsobjects/EntryLook.h"
 #include "fsobjects/LocaleFormats.h"
-#include "fsobjects/cFSXFileSystemObject.h"
 #include "fsobjects/cFileSpecParser.h"
-#include "fsobjects/modFSXFSO_SupportRoutines.h"
 #include "fsobjects/modPaths.h"
 #include "fsobjects/modShlWAPI.h"
 
@@ -22,17 +21,9 @@ namespace {
 
 constexpr int kMostCandidates = 100'000;
 
-// The routines that delete serve for folders too, and a folder would go to the bin with all that is
-// in it.
-bool IsFolderOnly(TextView path) {
-  cFSXFileSystemObject files;
-  return files.FolderExists(path, false) && !files.FileExists(path, false);
-}
-
-// A folder takes a name just as a file does.
+// A folder takes a name just as a file does, and what cannot be looked at may be one.
 bool IsTaken(TextView path) {
-  cFSXFileSystemObject files;
-  return files.FileExists(path, false) || files.FolderExists(path, false);
+  return !LookAtEntry(path).IsAbsent();
 }
 
 struct Numbers {
@@ -72,7 +63,7 @@ Text NextBracketedName(const Text& name) {
   return name.substr(0, open + 1) + numbers->next + name.substr(close);
 }
 
-Text FreePath(TextView fileName, TextView folder, Text& lastName) {
+Text FreePath(TextView fileName, TextView folder, Text& lastName, const IsPathTaken& isTaken) {
   const Text base = gFileSpecParser->GetFileNameWithoutExtension(fileName);
   const Text extension = gFileSpecParser->GetExtension(fileName);
   const Text before = AddBackslash(folder);
@@ -83,7 +74,7 @@ Text FreePath(TextView fileName, TextView folder, Text& lastName) {
     DoEvents_Fast();
     name = MatchesSpec(name, u"*(*)") ? NextBracketedName(name) : base + u"(1)";
     candidate = before + name + behind;
-    if (!IsTaken(candidate)) break;
+    if (!isTaken(candidate)) break;
   }
   lastName = name;
   return candidate;
@@ -97,21 +88,14 @@ Text EncloseInQuotes(TextView text) {
   return quoted;
 }
 
-bool SendFileToRecycleBin(TextView fileSpec, std::int32_t& errorNumber, Text& errorText) {
-  bool isSent = false;
+bool SendFileToRecycleBin(HANDLE pin, std::int32_t& errorNumber, Text& errorText) {
   errorNumber = 0;
   errorText.clear();
-  Guarded(u"modDupe.SendFileToRecycleBin", [&] {
-    if (IsFolderOnly(fileSpec)) {
-      errorNumber = static_cast<std::int32_t>(ERROR_ACCESS_DENIED);
-      errorText = FormatSystemErrorMessage(ERROR_ACCESS_DENIED);
-      return;
-    }
-    bool cancelled = false;
-    Text log;
-    isSent = FSXFSO_DeleteFSO(fileSpec, cancelled, errorNumber, errorText, log, false);
-  });
-  return isSent;
+  if (TheMachine().Pins().Recycle(pin)) return true;
+  const std::uint32_t code = TheMachine().GetLastError();
+  errorNumber = static_cast<std::int32_t>(code);
+  errorText = FormatSystemErrorMessage(code);
+  return false;
 }
 
 Text ResolveFileNameCollision(TextView fileName, TextView folder) {
@@ -120,9 +104,14 @@ Text ResolveFileNameCollision(TextView fileName, TextView folder) {
 }
 
 Text ResolveNextFileNameCollision(TextView fileName, TextView folder, Text& lastName) {
+  return ResolveNextFileNameCollision(fileName, folder, lastName, IsTaken);
+}
+
+Text ResolveNextFileNameCollision(TextView fileName, TextView folder, Text& lastName,
+                                  const IsPathTaken& isTaken) {
   Text path;
   Guarded(u"modDupe.ResolveFileNameCollision",
-          [&] { path = FreePath(fileName, folder, lastName); });
+          [&] { path = FreePath(fileName, folder, lastName, isTaken); });
   return path;
 }
 
