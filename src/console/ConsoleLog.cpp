@@ -39,7 +39,7 @@ void ConsoleLog::TellOfLostBatch() {
   // A user without a home has no place for one.
   if (GetIniFileFolder().empty() || std::exchange(mIsHistoryLost, true)) return;
   PrintError("the history could not be written: " +
-             ToUtf8(WithoutLineBreak(GetSystemErrorText(code))));
+             ToUtf8(SystemErrorReason(code)));
 }
 
 }  // namespace quillmarsh

@@ -4,6 +4,7 @@
 
 #include "base/LocaleFormat.h"
 #include "console/OutputTexts.h"
+#include "frame/ErrorReporting.h"
 #include "frame/ProgramFlags.h"
 #include "frame/Pump.h"
 #include "fsobjects/LocaleFormats.h"
@@ -38,8 +39,7 @@ std::string Counted(std::int64_t count) {
 
 Text ReasonOf(const RemovalEntry& entry) {
   if (!entry.reason.empty()) return entry.reason;
-  Text reason = entry.text;
-  while (reason.ends_with(u'\n') || reason.ends_with(u'\r')) reason.pop_back();
+  Text reason = SystemErrorReason(entry.code);
   if (entry.kind == log_kind::CreateFolderError)
     reason = u"the folder \"" + TheMachine().Drives().ShownPath(entry.target) +
              u"\" cannot be made: " + reason;
@@ -127,7 +127,7 @@ void RemovalReport::End(const cRemovalRun::Outcome& outcome) {
                   ",\"removedSize\":" + std::to_string(outcome.removedSize.ToInteger()) +
                   ",\"left\":" + std::to_string(outcome.failedCount) +
                   ",\"stopped\":" + (outcome.isStopped ? "true" : "false") + "}\n");
-  if (mFormat != OutputFormat::Plain || mIsQuiet) return;
+  if (mFormat != OutputFormat::Plain || mIsQuiet || outcome.isRefused) return;
   mOutput.Write("Removed: " + Counted(outcome.removedCount) + ", " +
                 ToUtf8(FormatByteSize(outcome.removedSize)) +
                 ". Left: " + Counted(outcome.failedCount) + ".\n");

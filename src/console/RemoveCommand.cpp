@@ -141,10 +141,8 @@ ExitCode Remove(ConsoleSearch& search, const RemoveArguments& arguments,
       arguments.options, [&report](const RemovalEntry& entry) { report.Add(entry); });
   report.End(outcome);
   if (outcome.isRefused) {
-    PrintError(ToUtf8(outcome.problem) + "; nothing was removed" +
-               (arguments.options.keepsHistory && outcome.isHistoryMissing
-                    ? "; --no-history removes without it"
-                    : ""));
+    PrintError(ToUtf8(outcome.problem) + " Nothing was removed." +
+               (outcome.isHistoryMissing ? " Use --no-history to remove without it." : ""));
     return ExitCode::Refused;
   }
   if (!output.Finish()) {

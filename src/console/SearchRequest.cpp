@@ -186,9 +186,7 @@ std::vector<Text> DriveRoots() {
 }
 
 std::string ReasonOf(std::uint32_t code) {
-  std::string text = ToUtf8(GetSystemErrorText(code));
-  while (!text.empty() && (text.back() == '\n' || text.back() == '\r')) text.pop_back();
-  return text;
+  return ToUtf8(SystemErrorReason(code));
 }
 
 std::vector<Text> TakeSearchArguments(const SearchArguments& arguments) {

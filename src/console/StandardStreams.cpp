@@ -60,9 +60,8 @@ bool StandardOutput::CanBeWritten() {
   Modules& process = TheMachine().Process();
   if (mHasFailed || process.CanTakeOutput(StandardStream::Output)) return !mHasFailed;
   mHasFailed = true;
-  Text reason = GetSystemErrorText(TheMachine().GetLastError());
-  while (reason.ends_with(u'\n') || reason.ends_with(u'\r')) reason.pop_back();
-  PrintError("the results cannot be written: " + ToUtf8(reason));
+  PrintError("the results cannot be written: " +
+             ToUtf8(SystemErrorReason(TheMachine().GetLastError())));
   return false;
 }
 

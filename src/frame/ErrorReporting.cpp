@@ -106,6 +106,12 @@ Text GetSystemErrorText(std::uint32_t number) {
   return u"(" + DecimalText(number) + u") - " + u"Error number not defined in system.";
 }
 
+Text SystemErrorReason(std::uint32_t number) {
+  Text text = GetSystemErrorText(number);
+  while (text.ends_with(u'\n') || text.ends_with(u'\r')) text.pop_back();
+  return text;
+}
+
 void SetErrorDetailFolder(std::function<Text()> folder) {
   detailFolder = std::move(folder);
 }

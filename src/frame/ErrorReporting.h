@@ -26,6 +26,8 @@ void ReportError(TextView source, TextView detail);
 
 // The text of a system error number as the system gives it, or a sentence with the number.
 [[nodiscard]] Text GetSystemErrorText(std::uint32_t number);
+// The same to go on with in a line: without the line break at its end.
+[[nodiscard]] Text SystemErrorReason(std::uint32_t number);
 
 // Where ERR_DETAIL.TXT lies: a folder with its final backslash. Set at start by the room that knows
 // the folder of the options file.

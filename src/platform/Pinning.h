@@ -112,7 +112,7 @@ class Pinning : public Role {
     static_cast<void>(Run(Operation::CloseHandle, {}, false, [&] { return DoUnpin(pin); }));
   }
 
-  // Where a removal has left the file, if that is not its own path and it is not removed.
+  // What a removal that failed had to leave under another path, as the file itself or a copy of it.
   [[nodiscard]] Text WhereLeft(HANDLE pin) const { return DoWhereLeft(pin); }
   // Whether nobody can take a pinned file's name away, so that it need not be taken aside.
   [[nodiscard]] virtual bool HoldsNames() const = 0;

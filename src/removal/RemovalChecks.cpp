@@ -27,12 +27,6 @@ Text QuotedPath(TextView path) {
   return u"\"" + TheMachine().Drives().ShownPath(path) + u"\"";
 }
 
-Text ReasonOf(std::uint32_t code) {
-  Text reason = GetSystemErrorText(code);
-  while (reason.ends_with(u'\n') || reason.ends_with(u'\r')) reason.pop_back();
-  return reason;
-}
-
 Refusal Because(TextView reason) {
   return {0, Text(reason)};
 }
@@ -42,7 +36,7 @@ Refusal RefusalOf(std::uint32_t code) {
   if (SaysAbsent(code)) return Because(kIsGone);
   if (code == ERROR_FILE_INVALID) return Because(kChanged);
   if (code == ERROR_LOCK_VIOLATION) return Because(kIsInUse);
-  return {code, ReasonOf(code)};
+  return {code, SystemErrorReason(code)};
 }
 
 Refusal RefusalOfCopy(TextView path, std::uint32_t code) {
@@ -115,9 +109,9 @@ std::optional<Refusal> RemovalChecks::CompareContents(const PinnedFile& file,
     std::size_t gotFirst = 0;
     std::size_t gotSecond = 0;
     if (const std::uint32_t code = ReadBlock(file, position, mFirst, gotFirst))
-      return Because(u"this file cannot be read: " + ReasonOf(code));
+      return Because(u"this file cannot be read: " + SystemErrorReason(code));
     if (const std::uint32_t code = ReadBlock(copy, position, mSecond, gotSecond))
-      return Because(u"the other file cannot be read: " + ReasonOf(code));
+      return Because(u"the other file cannot be read: " + SystemErrorReason(code));
     if (gotFirst != gotSecond || std::memcmp(mFirst.data(), mSecond.data(), gotFirst) != 0)
       return Because(u"the contents differ");
     if (gotFirst < kBlockBytes) return std::nullopt;
@@ -139,11 +133,11 @@ std::optional<Refusal> RemovalChecks::HoldCopy(std::int32_t keeper, HeldPair& pa
     return Because(u"the copy to keep, " + QuotedPath(pair.copyPath) +
                    u", is in memory and would be lost with the power");
   // Two names of one file have one lock.
-  const bool isSameFile = copy.IsSameFileAs(pair.file.State());
-  if (!isSameFile && !TheMachine().Pins().Lock(pair.copy.Get()))
+  pair.isSameFile = copy.IsSameFileAs(pair.file.State());
+  if (!pair.isSameFile && !TheMachine().Pins().Lock(pair.copy.Get()))
     return RefusalOfCopy(pair.copyPath, LastError());
   pair.isProven = copy.IsSurelyAnotherThan(pair.file.State());
-  if (!mOptions.comparesContents || !mResults.mCriteria.contentsMatch || isSameFile)
+  if (!mOptions.comparesContents || !mResults.mCriteria.contentsMatch || pair.isSameFile)
     return std::nullopt;
   auto refusal = CompareContents(pair.file, pair.copy);
   if (refusal && refusal->code == 0)
@@ -188,13 +182,17 @@ std::optional<Refusal> RemovalChecks::HoldReplaced(TextView existing, TextView a
   return CompareContents(replaced, newcomer);
 }
 
-std::optional<Refusal> RemovalChecks::LookAtCopyAgain(const PinnedFile& copy, bool isProven) const {
+// A name that is taken aside changes the file itself, and so the other name of it. Of a copy that
+// only seemed to be another file the same change tells.
+std::optional<Refusal> RemovalChecks::LookAtCopyAgain(const HeldPair& pair) const {
   Pinning& pins = TheMachine().Pins();
-  if (isProven ? pins.IsAsPinned(copy.Get()) : pins.IsReachedAnew(copy.Get())) return std::nullopt;
+  const HANDLE copy = pair.copy.Get();
+  const bool isThere = pair.isProven || pins.IsReachedAnew(copy);
+  if (isThere && (pair.isSameFile || pins.IsAsPinned(copy))) return std::nullopt;
   const std::uint32_t code = LastError();
   if (code != ERROR_FILE_INVALID && !SaysAbsent(code))
-    return Because(u"the copy to keep cannot be looked at: " + ReasonOf(code));
-  return Because(isProven ? u"the copy to keep has changed"
+    return Because(u"the copy to keep cannot be looked at: " + SystemErrorReason(code));
+  return Because(pair.isProven ? u"the copy to keep has changed"
                           : u"the copy to keep is this same file, or has changed");
 }
 
@@ -212,7 +210,7 @@ std::optional<Refusal> RemovalChecks::SecureCopy(const HeldPair& pair) {
   const std::uint32_t code = LastError();
   SetPanel(PANEL2, {});
   if (!isDone && code == ERROR_OPERATION_ABORTED) return RefusalOf(code);
-  if (!isDone) return Because(u"the copy to keep cannot be brought to the disk: " + ReasonOf(code));
+  if (!isDone) return Because(u"the copy to keep cannot be brought to the disk: " + SystemErrorReason(code));
   mSyncedAt[copy.volume] = now;
   return std::nullopt;
 }

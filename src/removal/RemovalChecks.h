@@ -29,6 +29,7 @@ struct HeldPair {
   Text copyPath;
   // Their numbers alone prove that they are two files. Else that shows when one has no name.
   bool isProven = false;
+  bool isSameFile = false;  // two names of it
 
   [[nodiscard]] bool IsProofNeeded() const { return copy.IsHeld() && !isProven; }
 };
@@ -53,7 +54,7 @@ class RemovalChecks {
                                                     PinnedFile& replaced);
   // Whether the copy is what and where it was. After a file was taken aside this is also the proof
   // that the two are not one.
-  [[nodiscard]] std::optional<Refusal> LookAtCopyAgain(const PinnedFile& copy, bool isProven) const;
+  [[nodiscard]] std::optional<Refusal> LookAtCopyAgain(const HeldPair& pair) const;
   // Brings the copy to the disk, once for each file system where it can be done so.
   [[nodiscard]] std::optional<Refusal> SecureCopy(const HeldPair& pair);
 

@@ -27,7 +27,7 @@ Text Shown(TextView path) {
 std::optional<Refusal> RefusalOfLastCall() {
   const std::uint32_t code = TheMachine().GetLastError();
   if (code == ERROR_FILE_INVALID) return Refusal{0, u"it has changed since it was looked at"};
-  return Refusal{code, FormatSystemErrorMessage(code)};
+  return Refusal{code, SystemErrorReason(code)};
 }
 
 bool IsTakenName(const std::optional<Refusal>& refusal) {
@@ -117,7 +117,7 @@ cFileRemoval::Done cFileRemoval::Remove(const Job& job) {
     const Text left = TheMachine().Pins().WhereLeft(pair.file.Get());
     if (!left.empty()) {
       refusal->code = 0;
-      refusal->reason += u"; the file found there is now \"" + Shown(left) + u"\"";
+      refusal->reason += u"; what was left is \"" + Shown(left) + u"\"";
     }
     return Keep(job, done.target, *refusal);
   }
@@ -157,7 +157,7 @@ cFileRemoval::Step cFileRemoval::Prepare(const HeldPair& pair, bool isAside) {
   Pinning& pins = TheMachine().Pins();
   if (isAside && !pins.TakeAside(pair.file.Get())) return RefusalOfLastCall();
   if (!pair.copy.IsHeld()) return std::nullopt;
-  Step refusal = mChecks.LookAtCopyAgain(pair.copy, pair.isProven);
+  Step refusal = mChecks.LookAtCopyAgain(pair);
   if (refusal && isAside && !pins.PutBack(pair.file.Get())) return RefusalOfLastCall();
   return refusal;
 }
@@ -175,7 +175,7 @@ cFileRemoval::Step cFileRemoval::Delete(const HeldPair& pair) {
     return refusal;
   }
   if (pins.HoldsNames() || !pair.copy.IsHeld()) return std::nullopt;
-  Step refusal = mChecks.LookAtCopyAgain(pair.copy, pair.isProven);
+  Step refusal = mChecks.LookAtCopyAgain(pair);
   if (!refusal) return std::nullopt;
   if (pins.Restore(pair.file.Get())) {
     refusal->reason += u", so this file was put back";

@@ -35,14 +35,7 @@ constexpr TextView kSource = u"frmFindDuplicates.RemoveMarkedFilesAllGroups";
 constexpr TextView kLineBreak = u"\r\n";
 constexpr auto kSaveInterval = std::chrono::seconds(1);
 constexpr std::size_t kMostInBatch = 100;
-constexpr TextView kAnotherRuns = u"Another removal is running";
-
-Text WithoutLineBreak(std::uint32_t code) {
-  Text text = GetSystemErrorText(code);
-  while (text.ends_with(u'\n') || text.ends_with(u'\r')) text.pop_back();
-  if (text.ends_with(u'.')) text.pop_back();
-  return text;
-}
+constexpr TextView kAnotherRuns = u"Another removal is running.";
 
 bool AskYesNo(const Text& question) {
   return ShowMessageBox({question, LoadResString(377), MessageBoxIcon::Exclamation,
@@ -148,7 +141,7 @@ void cRemovalRun::RemoveMarkedFilesAllGroups(bool listOnly) {
   RecoverInterruptedRemovals();
   const RemovalLock lock;
   if (lock.IsHeldByAnother()) {
-    ShowMessageBox({Text(kAnotherRuns) + u".  Please try again when it has ended.",
+    ShowMessageBox({Text(kAnotherRuns) + u"  Please try again when it has ended.",
                     LoadResString(377), MessageBoxIcon::Exclamation});
     return;
   }
@@ -209,12 +202,12 @@ bool cRemovalRun::AskBeforeRemoval(Walk& walk, std::int32_t& confirmedCount) {
 
 bool cRemovalRun::MayBegin(Walk& walk) {
   if (!HasRoom(walk)) {
-    ShowMessageBox({walk.outcome.problem + u".", LoadResString(377), MessageBoxIcon::Exclamation});
+    ShowMessageBox({walk.outcome.problem, LoadResString(377), MessageBoxIcon::Exclamation});
     return false;
   }
   if (!BeginHistory(walk)) {
     const Text question = walk.outcome.problem +
-                          u".\r\n\r\nNo one could look up later what was removed and where it "
+                          u"\r\n\r\nNo one could look up later what was removed and where it "
                           u"went.  Do you want to remove the files without a history?";
     if (!AskYesNo(question)) return false;
     walk.outcome.problem.clear();
@@ -273,7 +266,7 @@ bool cRemovalRun::HasRoom(Walk& walk) const {
   };
   walk.outcome.problem = u"The drive of \"" + TheMachine().Drives().ShownPath(walk.plan.Folder()) +
                          u"\" has " + size(walk.plan.FreeBytes()) + u" free, and the files need " +
-                         size(walk.plan.BytesToCopy()) + u"";
+                         size(walk.plan.BytesToCopy()) + u".";
   return false;
 }
 
@@ -290,7 +283,7 @@ bool cRemovalRun::BeginHistory(Walk& walk) {
     gLog->ResetInMemoryLog();
   }
   if (isWritten) return true;
-  walk.outcome.problem = u"The history cannot be written: " + WithoutLineBreak(code);
+  walk.outcome.problem = u"The history cannot be written: " + SystemErrorReason(code);
   walk.outcome.isHistoryMissing = true;
   return false;
 }
@@ -384,7 +377,7 @@ bool cRemovalRun::PlanBatch(Walk& walk) {
   }
   if (!walk.options.keepsHistory || walk.journal.Plan(walk.batch)) return true;
   walk.outcome.problem = u"The history cannot be written, so nothing more was removed: " +
-                         WithoutLineBreak(TheMachine().GetLastError());
+                         SystemErrorReason(TheMachine().GetLastError());
   walk.outcome.isFailed = true;
   return false;
 }
@@ -475,7 +468,7 @@ Text cRemovalRun::NotesOf(const Outcome& outcome) {
               FormatGrouped(std::int64_t{count}, GetLocaleFacts());
   }
   if (!outcome.problem.empty())
-    text += Text(kLineBreak) + Text(kLineBreak) + outcome.problem + u".";
+    text += Text(kLineBreak) + Text(kLineBreak) + outcome.problem;
   return text;
 }
 

@@ -145,7 +145,7 @@ class Commands(Case):
                               capture_output=True, timeout=60)
         os.close(ours), os.close(theirs)
         self.assertEqual(done.returncode, 0)
-        self.assertIn(b"[x]", done.stdout)
+        self.assertEqual(done.stdout, b"".join(f"delete  {copy}\n".encode() for copy in copies[1:]))
         self.assertIn(b"nothing was removed; --yes removes", done.stderr)
         self.call("remove", "--method", "delete", "--dry-run", self.tree)
         self.assertTrue(all(map(os.path.exists, copies)))
@@ -169,13 +169,11 @@ class Commands(Case):
                 self.assertIn(old, history)
                 self.assertTrue(place.startswith("data home/Trash") or place.split("/")[-1] in history)
 
-    def test_what_lies_in_the_dupes_folder_is_not_overwritten_by_other_bytes(self):
+    def test_what_is_in_the_dupes_folder_is_not_overwritten_by_other_bytes(self):
         old = self.make_copies()[2]
         place = self.make(f"D/[C DRIVE]{self.tree}/old/a.txt", "else")
-        out, told = self.call("remove", "--yes", "--rule", "oldest", "--method", f"dupes={self.folder}/D",
-                              self.tree, code=1)
-        self.assertIn(f'left "{old}": another file is in its place, "{place}", and the contents differ', told)
-        self.assertIn("Left: 1 file.", out)
+        out = self.call("remove", "--yes", "--rule", "oldest", "--method", f"dupes={self.folder}/D", self.tree)[0]
+        self.assertIn(f"moved  {old} --> {place[:-4]}(1).txt\n", out)
         with open(place, encoding="utf-8") as file:
             self.assertEqual(file.read(), "else")
 
@@ -240,35 +238,22 @@ class Commands(Case):
                 self.assertIn(told, self.call("remove", "--yes", *arguments, self.tree, code=2)[1])
         self.assertTrue(all(map(os.path.exists, copies)))
 
-    def test_nothing_goes_when_nobody_can_be_told(self):
-        for i in range(3000):
-            self.make(f"tree/a/{i}")
-            self.make(f"tree/b/{i}")
-        with open("/dev/full", "w", encoding="utf-8") as full:
-            done = subprocess.run([oracle.PROGRAM, "remove", "--yes", "--method", "delete", self.tree],
-                                  stdin=subprocess.DEVNULL, stdout=full, stderr=subprocess.PIPE)
-        self.assertEqual(done.returncode, 2, done.stderr)
-        self.assertGreater(len(os.listdir(self.tree + "/a")) + len(os.listdir(self.tree + "/b")), 4000)
-
-    def test_two_removals_at_once_leave_a_copy_of_everything(self):
-        for i in range(1500):
-            self.make(f"tree/a/{i}")
-            self.make(f"tree/b/{i}", days_old=1)
-        # Of two users, who have no data folder in common.
-        both = [subprocess.Popen([oracle.PROGRAM, "remove", "--yes", "--rule", rule, "--method", "delete",
-                                  self.tree], stdin=subprocess.DEVNULL, stdout=subprocess.DEVNULL,
-                                 stderr=subprocess.PIPE,
-                                 env={**os.environ, "XDG_DATA_HOME": f"{self.folder}/data of {rule}"})
-                for rule in ("keep-newest", "keep-oldest")]
-        codes = []
-        for process in both:
-            told = process.communicate(timeout=120)[1]
-            codes.append(process.returncode)
-            if process.returncode == 2:
-                self.assertIn(b"another removal is running", told)
-        self.assertIn(0, codes)
-        left = set(os.listdir(self.tree + "/a")) | set(os.listdir(self.tree + "/b"))
-        self.assertEqual(len(left), 1500)
+    def test_nothing_is_removed_that_cannot_be_reported_or_written_down(self):
+        copies = self.make_copies()
+        remove = [oracle.PROGRAM, "remove", "--yes", "--method", "delete", self.tree]
+        for form in ("text", "json", "csv", "null"):
+            with self.subTest(form=form), open("/dev/full", "w", encoding="utf-8") as full:
+                done = subprocess.run([*remove, "--format", form], stdin=subprocess.DEVNULL, stdout=full,
+                                      stderr=subprocess.PIPE)
+                self.assertEqual(done.returncode, 2, done.stderr)
+                self.assertTrue(all(map(os.path.exists, copies)))
+        os.environ["XDG_DATA_HOME"] = os.path.join(self.folder, "no history")
+        os.makedirs(os.path.join(os.environ["XDG_DATA_HOME"], "Harrow Fen/Quillmarsh/history.log"))
+        out, told = self.call(*remove[1:], "--format", "json", code=2)
+        self.assertIn("Use --no-history to remove without it", told)
+        self.assertEqual(json.loads(out)["removed"], 0)
+        self.assertTrue(all(map(os.path.exists, copies)))
+        self.assertEqual(json.loads(self.call(*remove[1:], "--format", "json", "--no-history")[0])["removed"], 2)
 
     def test_a_stop_ends_behind_a_file_and_is_in_the_history(self):
         for i in range(3000):

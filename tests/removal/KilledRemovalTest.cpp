@@ -73,6 +73,13 @@ class Ground {
   void SearchAndRemove(RemoveMethod method, CallHook* hook, int ready) const;
   // After any kill. Answers how many of the files in dup are still there.
   int ExpectAllWhole(RemoveMethod method) const;
+  // What the killed run had no time to write down the next one has completed.
+  void ExpectAllInHistory() const {
+    std::string history = Read(Home() / "Harrow Fen" / "Quillmarsh" / "history.log");
+    std::erase(history, '\0');
+    for (int i = 0; i < mFiles; ++i)
+      EXPECT_NE(history.find((mTree / "dup" / NameOf(i)).string()), std::string::npos) << i;
+  }
 
  private:
   [[nodiscard]] static std::string NameOf(int i) { return "file " + std::to_string(i); }
@@ -262,6 +269,7 @@ TEST_P(KilledRemoval, BehindEachOperationLosesNothing) {
     ground.ExpectAllWhole(method);
     EXPECT_EQ(InChild([&] { ground.SearchAndRemove(method, nullptr, -1); }), 0);
     EXPECT_EQ(ground.ExpectAllWhole(method), 0);
+    ground.ExpectAllInHistory();
     if (HasFailure()) return;
   }
   EXPECT_EQ(status, 0);

@@ -387,6 +387,51 @@ TEST_F(Checks, WhatIsInTheDupesFolderGivesWayOnlyToItsLikeAndNeverWhenItIsListed
   EXPECT_NE(fresh.entries.at(0).target, kept);
 }
 
+TEST_F(Checks, CopiesAreOnTheDiskBeforeAFileIsDeletedAndNotInMemory) {
+  struct Row {
+    const char* name;
+    RemoveMethod method;
+    std::int64_t copyTime;  // of the second pair
+    std::uint32_t copyDrive;
+    RemovalOptions options;
+    std::size_t flushes;
+    std::int32_t removed;
+  };
+  const std::int64_t old = TicksOf(2026, 1, 1);
+  const RemovalOptions plain{.keepsHistory = false};
+  const RemovalOptions trusting{.trustsMemory = true, .keepsHistory = false};
+  const std::vector<Row> rows = {
+      {"once for a volume", RemoveMethod::Delete, old, DRIVE_FIXED, plain, 1, 2},
+      {"again for a younger copy", RemoveMethod::Delete, TicksOf(2099, 1, 1), DRIVE_FIXED, plain, 2,
+       2},
+      {"never for what can be taken back", RemoveMethod::Recycle, old, DRIVE_FIXED, plain, 0, 2},
+      {"a copy in memory", RemoveMethod::Delete, old, DRIVE_RAMDISK, plain, 0, 0},
+      {"a copy in memory that is allowed", RemoveMethod::Delete, old, DRIVE_RAMDISK, trusting, 0,
+       2},
+  };
+  for (const Row& row : rows) {
+    SCOPED_TRACE(row.name);
+    RemovalProgram& fresh = Renew();
+    SimulatedDrive drive;
+    drive.root = u"M:\\";
+    drive.type = row.copyDrive;
+    fresh.machine.AddDrive(drive);
+    const auto put = [&](const Text& path, std::uint64_t size, std::int64_t time) {
+      fresh.machine.AddFile(path, FileContents::Recipe(1, size),
+                            {FILE_ATTRIBUTE_ARCHIVE, time, time, time});
+    };
+    for (const Text& path : {PathOf(u"1\\x"), Text(u"M:\\x")}) put(path, 10, old);
+    put(PathOf(u"1\\y"), 20, old);
+    put(u"M:\\y", 20, row.copyTime);
+    ASSERT_EQ(fresh.Search({u"C:\\data", u"M:\\"}), SearchOutcome::Complete);
+    fresh.results.mFileMarked.assign(4, false);
+    Mark({u"1\\x", u"1\\y"});
+    fresh.hook.ClearJournal();
+    EXPECT_EQ(fresh.Remove(row.method, row.options).removedCount, row.removed);
+    EXPECT_EQ(fresh.hook.CountOf(Operation::FlushFileBuffers), row.flushes);
+  }
+}
+
 // As where the folder of the copy has become a link to that of the file, or a server's folder is
 // mounted twice.
 TEST_F(Checks, AFileThatIsItsOwnCopyIsKept) {

@@ -139,11 +139,11 @@ TEST_F(WindowRemovalTest, AFileWhoseCopyHasGoneSinceTheSearchStays) {
     ASSERT_TRUE(QFile::remove(ToQString(TheMachine().Drives().ShownPath(kept))));
   }
   boxes.Expect(LoadResString(378) + u": 25", MessageBoxResult::Yes);
-  boxes.Expect(u"the copies that were to stay have changed since the search: 1");
+  boxes.Expect(u"Files that were kept.  They, or the copies you are keeping");
   Press(*Parts().smtSearchResultsToolbar, "REMOVE_KEY");
   EXPECT_EQ(FilesLeft(), kPairs) << "one of each pair";
   EXPECT_EQ(Parts().ulvwDupeGroups->Model().rowCount(), 1);
-  EXPECT_NE(gLog->GetLogEntriesFromFile().find(u"File left in its place"), Text::npos);
+  EXPECT_NE(gLog->GetLogEntriesFromFile().find(u"Kept: "), Text::npos);
 }
 
 }  // namespace

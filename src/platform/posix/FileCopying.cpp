@@ -273,13 +273,14 @@ void DeleteSource(OpenFolders& folders, const CopyRequest& request, ChangePermit
     (void)permit.Use([&] { return ::unlinkat(source.folder.Get(), source.name.c_str(), 0); });
 }
 
-// Of the copy that was made here, and nothing else.
-void TakeCopyBack(const Copying& copying, ChangePermit& permit) {
+// Removes the copy that was made here, and nothing else. False where it is still there.
+bool TakeCopyBack(const Copying& copying, ChangePermit& permit) {
   FolderEntry copy = copying.target;
   const bool isIt = LookAtItself(copy) == 0 && copy.entry.facts.stx_ino == copying.made.st_ino &&
                     copy.entry.facts.stx_dev_major == major(copying.made.st_dev) &&
                     copy.entry.facts.stx_dev_minor == minor(copying.made.st_dev);
-  if (isIt) (void)permit.Use([&] { return ::unlinkat(copy.folder.Get(), copy.name.c_str(), 0); });
+  return !isIt ||
+         permit.Use([&] { return ::unlinkat(copy.folder.Get(), copy.name.c_str(), 0); }) == 0;
 }
 
 // Until the new name is on the disk for sure, and with it every folder on the way, the old one
@@ -320,7 +321,8 @@ std::uint32_t MovePinnedByCopy(OpenFolders& folders, const CopyRequest& request,
   if (code == ERROR_SUCCESS) code = DeletePinned(pin, permit);
   if (code == ERROR_SUCCESS) return code;
   if (pin.isAside && !permit.IsWithdrawn()) (void)PutPinnedBack(pin, permit);
-  TakeCopyBack(copying, permit);
+  if (!TakeCopyBack(copying, permit))
+    pin.left = JoinNative(request.target.drive->mount->point, request.target.path.relative);
   return code;
 }
 
@@ -336,9 +338,10 @@ std::uint32_t RestorePinned(PinnedEntry& pin, ChangePermit& permit) {
   FolderEntry from = pin.home;
   from.name = temporary.Name();
   from.entry.facts.stx_mode = S_IFREG;
-  if (const int error = RenameToFreeName(from, copying.target, permit))
+  if (const int error = RenameBack(from, copying.target, permit))
     return SystemErrorFromErrno(error);
   temporary.Keep();
+  if (copying.target.name != pin.home.name) pin.left = NativeBeside(pin, copying.target.name);
   (void)SyncFolder(pin.home.folder.Get());
   return ERROR_SUCCESS;
 }

@@ -69,14 +69,20 @@ std::uint32_t CheckFolder(OpenFolders& folders, const PinnedEntry& pin) {
 // Whoever opens the file for writing from now on waits until the pin ends. 32 where another program
 // has done so already. Where the lease cannot be had (another user's file, another file system)
 // nothing is known.
-std::uint32_t HoldOffWriters(const PinnedEntry& pin) {
+std::uint32_t HoldOffWriters(PinnedEntry& pin) {
   // A waiting writer is announced by a signal, and by itself that one would end the program.
   if (::fcntl(pin.file.Get(), F_SETSIG, SIGURG) != 0) return ERROR_SUCCESS;
-  if (::fcntl(pin.file.Get(), F_SETLEASE, F_RDLCK) == 0) return ERROR_SUCCESS;
+  pin.hasLease = ::fcntl(pin.file.Get(), F_SETLEASE, F_RDLCK) == 0;
+  if (pin.hasLease) return ERROR_SUCCESS;
   return errno == EAGAIN ? ERROR_SHARING_VIOLATION : ERROR_SUCCESS;
 }
 
-std::uint32_t LastLook(OpenFolders& folders, const PinnedEntry& pin) {
+// Whoever waits has found the file by its name already, and would write to it after its removal.
+bool IsAwaited(const PinnedEntry& pin) {
+  return pin.hasLease && ::fcntl(pin.file.Get(), F_GETLEASE) != F_RDLCK;
+}
+
+std::uint32_t LastLook(OpenFolders& folders, PinnedEntry& pin) {
   if (const std::uint32_t code = HoldOffWriters(pin)) return code;
   return CheckAsPinned(folders, pin);
 }
@@ -87,7 +93,8 @@ std::string RestoredName(const std::string& name, int attempt) {
   return name.substr(0, 200) + ".restored" + number;
 }
 
-// Gives what lies at `from` the first free name of those that it may have in the folder of `to`.
+}  // namespace
+
 int RenameBack(const FolderEntry& from, FolderEntry& to, ChangePermit& permit) {
   const std::string wanted = to.name;
   int error = EEXIST;
@@ -98,6 +105,8 @@ int RenameBack(const FolderEntry& from, FolderEntry& to, ChangePermit& permit) {
   return error;
 }
 
+namespace {
+
 // Another file took the name between the look and the rename. It goes back, and the pin leads
 // nowhere.
 std::uint32_t ReturnStranger(PinnedEntry& pin, const FolderEntry& target, ChangePermit& permit) {
@@ -106,7 +115,7 @@ std::uint32_t ReturnStranger(PinnedEntry& pin, const FolderEntry& target, Change
   FolderEntry back = pin.place;
   const int error = RenameBack(stranger, back, permit);
   if (error != 0) return SystemErrorFromErrno(error);
-  if (back.name != pin.place.name) pin.leftName = back.name;
+  if (back.name != pin.place.name) pin.left = NativeBeside(pin, back.name);
   return ERROR_FILE_INVALID;
 }
 
@@ -133,8 +142,11 @@ std::uint32_t LockPinned(const PinnedEntry& pin) {
   return errno == EWOULDBLOCK ? ERROR_LOCK_VIOLATION : ERROR_SUCCESS;
 }
 
-std::uint32_t CheckAsPinned(OpenFolders& folders, const PinnedEntry& pin) {
+std::uint32_t CheckAsPinned(OpenFolders& folders, PinnedEntry& pin) {
   if (pin.isGone) return ERROR_FILE_INVALID;
+  // A program that has the copy to keep open for writing, or mapped, can change it unseen.
+  if (pin.purpose == PinPurpose::Keep && !pin.hasLease)
+    if (const std::uint32_t code = HoldOffWriters(pin)) return code;
   struct statx now {};
   if (const int error = FactsOfFile(pin, now)) return SystemErrorFromErrno(error);
   const struct statx& then = pin.place.entry.facts;
@@ -185,8 +197,8 @@ std::uint32_t RenamePinned(OpenFolders& folders, PinnedEntry& pin, const FolderE
   pin.place.folder = target.folder;
   pin.place.name = target.name;
   pin.place.entry.facts = now;
-  if (isUnchanged) return ERROR_SUCCESS;
-  // It was written to in the last moment.
+  if (isUnchanged && !IsAwaited(pin)) return ERROR_SUCCESS;
+  // It was written to in the last moment, or is about to be.
   const std::uint32_t code = PutPinnedBack(pin, permit);
   return code == ERROR_SUCCESS ? ERROR_FILE_INVALID : code;
 }
@@ -202,7 +214,8 @@ std::uint32_t TakePinnedAside(OpenFolders& folders, PinnedEntry& pin, ChangePerm
 std::uint32_t PutPinnedBack(PinnedEntry& pin, ChangePermit& permit) {
   FolderEntry back = pin.home;
   const int error = RenameBack(pin.place, back, permit);
-  pin.leftName = error != 0 ? pin.place.name : back.name != pin.home.name ? back.name : "";
+  const std::string& now = error != 0 ? pin.place.name : back.name;
+  pin.left = now == pin.home.name ? std::string() : NativeBeside(pin, now);
   if (error != 0) return SystemErrorFromErrno(error);
   pin.place.folder = back.folder;
   pin.place.name = back.name;
@@ -213,6 +226,7 @@ std::uint32_t PutPinnedBack(PinnedEntry& pin, ChangePermit& permit) {
 std::uint32_t DeletePinned(PinnedEntry& pin, ChangePermit& permit) {
   if (!pin.isAside) return ERROR_FILE_INVALID;
   if (const std::uint32_t code = CheckName(pin.place, pin.place.entry.facts)) return code;
+  if (IsAwaited(pin)) return ERROR_SHARING_VIOLATION;
   const int error =
       permit.Use([&] { return ::unlinkat(pin.place.folder.Get(), pin.place.name.c_str(), 0); });
   if (error == 0) {
@@ -220,6 +234,10 @@ std::uint32_t DeletePinned(PinnedEntry& pin, ChangePermit& permit) {
     pin.isGone = true;
   }
   return SystemErrorFromErrno(error);
+}
+
+std::string NativeBeside(const PinnedEntry& pin, const std::string& name) {
+  return JoinNative(pin.located.drive->mount->point, JoinRelative(pin.located.path.Parent(), name));
 }
 
 std::uint32_t WhyNotTakenAway(const FolderEntry& source) {

@@ -20,26 +20,34 @@ struct PinnedEntry {
   FolderEntry place;  // the present folder and name, and the facts as they must still be
   UniqueFd file;
   bool isAside = false;
+  bool hasLease = false;  // other programs wait before they open it for writing
   bool isGone = false;   // moved away or deleted
-  std::string leftName;  // in the home folder, where something had to be left under another name
+  std::string left;      // native path of what had to be left under another name or as a copy
 };
 
 // Each returns a code, 0 for success.
 [[nodiscard]] std::uint32_t OpenPinned(OpenFolders& folders, PinnedEntry& pin);
 [[nodiscard]] std::uint32_t LockPinned(const PinnedEntry& pin);
 // 1006 where the file or what its path leads to is not what was pinned.
-[[nodiscard]] std::uint32_t CheckAsPinned(OpenFolders& folders, const PinnedEntry& pin);
+// 32 where another program has a file to keep open for writing and that can be known.
+[[nodiscard]] std::uint32_t CheckAsPinned(OpenFolders& folders, PinnedEntry& pin);
 [[nodiscard]] std::uint32_t ReachAnew(const PathResolver& resolver, const PinnedEntry& pin);
 
 [[nodiscard]] std::uint32_t TakePinnedAside(OpenFolders& folders, PinnedEntry& pin,
                                             ChangePermit& permit);
 [[nodiscard]] std::uint32_t PutPinnedBack(PinnedEntry& pin, ChangePermit& permit);
-// Of a file that was taken aside.
+// Of a file that was taken aside. 32 where another program waits to open it for writing.
 [[nodiscard]] std::uint32_t DeletePinned(PinnedEntry& pin, ChangePermit& permit);
 // Renames to a free name in a folder of the same file system: EXDEV gives 17. `target` names a
 // folder that is open.
 [[nodiscard]] std::uint32_t RenamePinned(OpenFolders& folders, PinnedEntry& pin,
                                          const FolderEntry& target, ChangePermit& permit);
+
+// Gives what is at `from` the first free name of those that it may have in the folder of `to`: that
+// of `to`, then the same with ".restored" behind it. Returns an errno, and the name in `to`.
+[[nodiscard]] int RenameBack(const FolderEntry& from, FolderEntry& to, ChangePermit& permit);
+// The native path of a name in the folder of the pinned path.
+[[nodiscard]] std::string NativeBeside(const PinnedEntry& pin, const std::string& name);
 
 // 0, or the code with which the entry's folder lets nothing go. Asked before a copy is made that
 // would be in vain.

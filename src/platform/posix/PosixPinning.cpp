@@ -207,18 +207,19 @@ bool PosixPinning::DoUnpin(HANDLE handle) {
 
 Text PosixPinning::DoWhereLeft(HANDLE handle) const {
   const SharedPin* const found = mPins.Find(handle);
-  if (found == nullptr || (*found)->leftName.empty()) return {};
-  const PinnedEntry& pin = **found;
-  const std::string native = JoinNative(pin.located.drive->mount->point,
-                                        JoinRelative(pin.located.path.Parent(), pin.leftName));
-  const auto form = pin.located.table->DriveForm(native);
+  if (found == nullptr || (*found)->left.empty()) return {};
+  const auto form = (*found)->located.table->DriveForm((*found)->left);
   return form ? *form : Text();
 }
 
 // The home trash takes what comes from any volume, as a copy.
 bool PosixPinning::DoHasBin(TextView path) {
   std::uint32_t code = ERROR_SUCCESS;
-  if (mShell.HomeTrash(code).drive != nullptr) return true;
+  const Located home = mShell.HomeTrash(code);
+  EntryFacts trash;
+  if (home.drive != nullptr) code = mContext.LookAt(home, trash);
+  const bool canBeMade = code == ERROR_FILE_NOT_FOUND || code == ERROR_PATH_NOT_FOUND;
+  if (home.drive != nullptr && (canBeMade || trash.kind == EntryKind::Folder)) return true;
   Located located;
   code = mContext.Locate(path, located);
   char nothing = 0;

@@ -163,6 +163,32 @@ TEST_P(DiskChangeTest, ACopyOfAGrowingFileEndsAtTheSizeOfItsBeginning) {
   EXPECT_EQ(EntriesOf(u"E:\\"), 0U);
 }
 
+// A file of a terabyte without a byte in it takes minutes to copy.
+TEST_P(DiskChangeTest, AStopEndsACopyToAnotherVolume) {
+  class Stopping final : public Patience {
+   public:
+    bool KeepWaiting() override { return false; }
+    [[nodiscard]] bool IsStopAsked() const override { return true; }
+  } stopping;
+  mTree.File("sparse", "");
+  ASSERT_EQ(::truncate(mTree.At("sparse").c_str(), std::int64_t{1} << 40U), 0);
+  mMachine.SetPatience(&stopping);
+  EXPECT_EQ(Move(u"D:\\sparse", u"E:\\sparse", CopyAllowed), ERROR_OPERATION_ABORTED);
+  FileState state;
+  const HANDLE pin = mMachine.Pins().Pin(u"D:\\sparse", PinPurpose::Remove, u"aside", state);
+  if (pin != INVALID_HANDLE) {
+    EXPECT_FALSE(mMachine.Pins().MoveTo(pin, u"E:\\sparse", PinnedMove::CopyIfNeeded));
+    EXPECT_EQ(mMachine.GetLastError(), ERROR_OPERATION_ABORTED);
+    mMachine.Pins().Unpin(pin);
+  }
+  mMachine.SetPatience(nullptr);
+  EXPECT_TRUE(std::ifstream(mTree.At("sparse")).good());
+  // What was given up is still cleaning up where the file system may not answer.
+  if (std::string(GetParam()) != "nfs4") {
+    EXPECT_EQ(EntriesOf(u"E:\\"), 0U);
+  }
+}
+
 TEST_P(DiskChangeTest, OnlyACopyThatDiffersFromAnUnchangedSourceIsAFailureOfTheDisk) {
   struct Row {
     const char* name;
