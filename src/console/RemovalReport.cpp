@@ -72,6 +72,7 @@ bool RemovalReport::WritePlan(const RemovalPlan& plan, bool deletesWithoutBin) {
     else
       Write(kLeft, plan.FileSpecOf(file), {}, quillmarsh::ReasonOf(file.obstacle));
   }
+  if (gUserAbort) return false;  // the plan may have been cut short
   if (mFormat == OutputFormat::Json) mOutput.Write("]}\n");
   return true;
 }

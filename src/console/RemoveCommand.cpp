@@ -140,12 +140,13 @@ ExitCode Remove(ConsoleSearch& search, const RemoveArguments& arguments,
   const cRemovalRun::Outcome outcome = run.RemoveWithoutAsking(
       arguments.options, [&report](const RemovalEntry& entry) { report.Add(entry); });
   report.End(outcome);
+  const bool isReported = output.Finish();
   if (outcome.isRefused) {
     PrintError(ToUtf8(outcome.problem) + " Nothing was removed." +
                (outcome.isHistoryMissing ? " Use --no-history to remove without it." : ""));
     return ExitCode::Refused;
   }
-  if (!output.Finish()) {
+  if (!isReported) {
     PrintError("nothing more was removed, since it could not be reported; see the history");
     return ExitCode::Refused;
   }
@@ -156,7 +157,8 @@ ExitCode Remove(ConsoleSearch& search, const RemoveArguments& arguments,
   if (!outcome.problem.empty()) PrintError(ToUtf8(outcome.problem));
   if (outcome.isFailed) return ExitCode::Refused;
   search.TellPlacesNotEntered();
-  const bool isAllDone = outcome.failedCount == 0 && !objects.IsHistoryLost();
+  const bool isHistoryLost = arguments.options.keepsHistory && objects.IsHistoryLost();
+  const bool isAllDone = outcome.failedCount == 0 && outcome.problem.empty() && !isHistoryLost;
   return isAllDone ? search.EndCode() : ExitCode::SomeFilesFailed;
 }
 

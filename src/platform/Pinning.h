@@ -72,6 +72,11 @@ class Pinning : public Role {
   [[nodiscard]] bool IsAsPinned(HANDLE pin) {
     return Run(Operation::GetFileInformationByHandleEx, {}, false, [&] { return DoCheck(pin); });
   }
+  // Has other programs wait that want to write to the file, while the pin lives. 32 where one has
+  // it open for writing and that can be known. What is removed is always held so for its removal.
+  [[nodiscard]] bool HoldOffWriters(HANDLE pin) {
+    return Run(Operation::LockFileEx, {}, false, [&] { return DoHoldOffWriters(pin); });
+  }
   // Finds the file once more by its path, past all that is remembered of it, and reads from it. The
   // change time may be another one. 1006 where the path leads to another file.
   [[nodiscard]] bool IsReachedAnew(HANDLE pin) {
@@ -132,6 +137,7 @@ class Pinning : public Role {
   virtual bool DoLookAt(TextView path, FileState& state) = 0;
   virtual HANDLE DoPin(TextView path, PinPurpose purpose, TextView asideName, FileState& state) = 0;
   virtual bool DoLock(HANDLE pin) = 0;
+  virtual bool DoHoldOffWriters(HANDLE /*pin*/) { return true; }
   virtual bool DoCheck(HANDLE pin) = 0;
   virtual bool DoReachAnew(HANDLE pin) = 0;
   virtual std::uint32_t DoReadAt(HANDLE pin, std::int64_t position, std::span<std::byte> buffer,

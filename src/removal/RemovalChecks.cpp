@@ -18,6 +18,9 @@ constexpr std::size_t kBlockBytes = std::size_t{1} << 18U;
 // Times of files are kept less exactly than the clock: a copy counts as younger a bit longer.
 constexpr std::int64_t kClockSlack = 20'000'000;  // ticks
 
+// Files of at most so many bytes are compared in a moment, for which writers can be held off.
+constexpr std::uint64_t kMomentBytes = std::uint64_t{1} << 20U;
+constexpr int kMostCopiesTried = 32;  // for one file
 constexpr TextView kChanged = u"it has changed since the search";
 constexpr TextView kIsGone = u"it is not there any more";
 constexpr TextView kIsInUse = u"another program is using it";
@@ -40,6 +43,7 @@ Refusal RefusalOf(std::uint32_t code) {
 }
 
 Refusal RefusalOfCopy(TextView path, std::uint32_t code) {
+  if (code == ERROR_OPERATION_ABORTED) return RefusalOf(code);
   return Because(u"the copy to keep, " + QuotedPath(path) + u", cannot be used: " +
                  RefusalOf(code).reason);
 }
@@ -109,9 +113,13 @@ std::optional<Refusal> RemovalChecks::CompareContents(const PinnedFile& file,
     std::size_t gotFirst = 0;
     std::size_t gotSecond = 0;
     if (const std::uint32_t code = ReadBlock(file, position, mFirst, gotFirst))
-      return Because(u"this file cannot be read: " + SystemErrorReason(code));
+      return code == ERROR_OPERATION_ABORTED
+                 ? RefusalOf(code)
+                 : Because(u"this file cannot be read: " + SystemErrorReason(code));
     if (const std::uint32_t code = ReadBlock(copy, position, mSecond, gotSecond))
-      return Because(u"the other file cannot be read: " + SystemErrorReason(code));
+      return code == ERROR_OPERATION_ABORTED
+                 ? RefusalOf(code)
+                 : Because(u"the other file cannot be read: " + SystemErrorReason(code));
     if (gotFirst != gotSecond || std::memcmp(mFirst.data(), mSecond.data(), gotFirst) != 0)
       return Because(u"the contents differ");
     if (gotFirst < kBlockBytes) return std::nullopt;
@@ -133,12 +141,18 @@ std::optional<Refusal> RemovalChecks::HoldCopy(std::int32_t keeper, HeldPair& pa
     return Because(u"the copy to keep, " + QuotedPath(pair.copyPath) +
                    u", is in memory and would be lost with the power");
   // Two names of one file have one lock.
-  pair.isSameFile = copy.IsSameFileAs(pair.file.State());
+  const FileState& file = pair.file.State();
+  pair.isSameFile = copy.IsSameFileAs(file) && copy.hasTrustedNumbers && file.hasTrustedNumbers;
   if (!pair.isSameFile && !TheMachine().Pins().Lock(pair.copy.Get()))
     return RefusalOfCopy(pair.copyPath, LastError());
   pair.isProven = copy.IsSurelyAnotherThan(pair.file.State());
   if (!mOptions.comparesContents || !mResults.mCriteria.contentsMatch || pair.isSameFile)
     return std::nullopt;
+  if (file.size <= kMomentBytes)
+    for (const PinnedFile* held : {&pair.file, &pair.copy})
+      if (!TheMachine().Pins().HoldOffWriters(held->Get()))
+        return held == &pair.file ? RefusalOf(LastError())
+                                  : RefusalOfCopy(pair.copyPath, LastError());
   auto refusal = CompareContents(pair.file, pair.copy);
   if (refusal && refusal->code == 0)
     refusal->reason += u"; it was compared with " + QuotedPath(pair.copyPath);
@@ -157,17 +171,26 @@ std::optional<Refusal> RemovalChecks::Hold(std::int32_t group, std::int32_t reco
   FindKeepers(group);
   if (!mHasKeepers) return std::nullopt;
   Refusal refusal = Because(kCopiesChanged);
-  for (std::size_t place = 0; place < mKeepers.size();) {
+  std::size_t place = 0;
+  for (int tried = 0; place < mKeepers.size() && tried < kMostCopiesTried; ++tried) {
     DoEvents_Fast();
     if (gUserAbort) return RefusalOf(ERROR_OPERATION_ABORTED);
     auto problem = HoldCopy(mKeepers[place], pair);
-    if (!problem) return std::nullopt;
+    // The copy that serves for this file is tried first for the next one.
+    if (!problem) {
+      std::swap(mKeepers[place], mKeepers.front());
+      return std::nullopt;
+    }
     pair.copy = PinnedFile();
     refusal = std::move(*problem);
     if (refusal.code == ERROR_OPERATION_ABORTED) return refusal;
-    const bool hasChanged = refusal.reason == kCopiesChanged;
-    if (hasChanged) mKeepers.erase(mKeepers.begin() + static_cast<std::ptrdiff_t>(place));
-    if (!hasChanged) ++place;
+    if (refusal.reason == kCopiesChanged) {
+      mKeepers[place] = mKeepers.back();
+      mKeepers.pop_back();
+      --tried;
+    } else {
+      ++place;
+    }
   }
   return refusal;
 }
@@ -177,7 +200,9 @@ std::optional<Refusal> RemovalChecks::HoldReplaced(TextView existing, TextView a
                                                    PinnedFile& replaced) {
   replaced = PinnedFile(existing, PinPurpose::Remove, asideName);
   if (!replaced.IsHeld()) return RefusalOf(LastError());
-  if (replaced.State().IsSameFileAs(newcomer.State())) return Because(u"it is this same file");
+  if (!replaced.State().IsSurelyAnotherThan(newcomer.State()) &&
+      replaced.State().volume == newcomer.State().volume)
+    return Because(u"it may be this same file");
   if (!TheMachine().Pins().Lock(replaced.Get())) return RefusalOf(LastError());
   return CompareContents(replaced, newcomer);
 }
@@ -190,28 +215,34 @@ std::optional<Refusal> RemovalChecks::LookAtCopyAgain(const HeldPair& pair) cons
   const bool isThere = pair.isProven || pins.IsReachedAnew(copy);
   if (isThere && (pair.isSameFile || pins.IsAsPinned(copy))) return std::nullopt;
   const std::uint32_t code = LastError();
+  if (code == ERROR_OPERATION_ABORTED) return RefusalOf(code);
   if (code != ERROR_FILE_INVALID && !SaysAbsent(code))
     return Because(u"the copy to keep cannot be looked at: " + SystemErrorReason(code));
   return Because(pair.isProven ? u"the copy to keep has changed"
-                          : u"the copy to keep is this same file, or has changed");
+                               : u"the copy to keep is this same file, or has changed");
 }
 
 std::optional<Refusal> RemovalChecks::SecureCopy(const HeldPair& pair) {
-  if (!pair.copy.IsHeld() || pair.copy.State().isVolatile) return std::nullopt;
+  if (!pair.copy.IsHeld()) return std::nullopt;
   Pinning& pins = TheMachine().Pins();
   const FileState& copy = pair.copy.State();
-  const auto synced = mSyncedAt.find(copy.volume);
-  const bool isSecure = pins.FlushesVolumes() && synced != mSyncedAt.end() &&
-                        copy.changed.Ticks() + kClockSlack < synced->second;
-  if (isSecure) return std::nullopt;
-  const std::int64_t now = UtcTicksNow();
-  SetPanel(PANEL2, u"Making sure that the copies to keep are on the disk...");
-  const bool isDone = pins.Flush(pair.copy.Get());
-  const std::uint32_t code = LastError();
-  SetPanel(PANEL2, {});
-  if (!isDone && code == ERROR_OPERATION_ABORTED) return RefusalOf(code);
-  if (!isDone) return Because(u"the copy to keep cannot be brought to the disk: " + SystemErrorReason(code));
-  mSyncedAt[copy.volume] = now;
+  const std::uint64_t flushed = pins.FlushesVolumes() ? copy.volume : copy.number;
+  const auto synced = mSyncedAt.find(flushed);
+  const bool isSecure = copy.isVolatile || (synced != mSyncedAt.end() &&
+                                            copy.changed.Ticks() + kClockSlack < synced->second);
+  if (!isSecure) {
+    const std::int64_t now = UtcTicksNow();
+    SetPanel(PANEL2, u"Making sure that the copies to keep are on the disk...");
+    const bool isDone = pins.Flush(pair.copy.Get());
+    const std::uint32_t code = LastError();
+    SetPanel(PANEL2, {});
+    if (!isDone && code == ERROR_OPERATION_ABORTED) return RefusalOf(code);
+    if (!isDone)
+      return Because(u"the copy to keep cannot be brought to the disk: " + SystemErrorReason(code));
+    mSyncedAt[flushed] = now;
+  }
+  // Last, since other programs wait from now on.
+  if (!pins.HoldOffWriters(pair.copy.Get())) return RefusalOfCopy(pair.copyPath, LastError());
   return std::nullopt;
 }
 

@@ -55,7 +55,8 @@ class RemovalChecks {
   // Whether the copy is what and where it was. After a file was taken aside this is also the proof
   // that the two are not one.
   [[nodiscard]] std::optional<Refusal> LookAtCopyAgain(const HeldPair& pair) const;
-  // Brings the copy to the disk, once for each file system where it can be done so.
+  // Before a permanent removal: has no one write to the copy, and brings it to the disk, once for
+  // each file system where it can be done so.
   [[nodiscard]] std::optional<Refusal> SecureCopy(const HeldPair& pair);
 
  private:

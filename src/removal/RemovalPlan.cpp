@@ -23,22 +23,32 @@
 namespace quillmarsh {
 namespace {
 
-// Names on Linux that stand for what these file systems cannot hold are in these two ranges.
-constexpr bool IsForbiddenOnWindows(char16_t unit) {
-  return (unit > 0xF000 && unit < 0xF080) || (unit >= 0xDC80 && unit <= 0xDCFF);
+// What names on Linux have for characters that these file systems cannot hold, and for bytes that
+// are no text.
+bool HasForbidden(TextView name) {
+  char16_t before = 0;
+  for (const char16_t unit : name) {
+    const bool isSecondHalf = before >= 0xD800 && before <= 0xDBFF;
+    if (unit > 0xF000 && unit < 0xF080) return true;
+    if (unit >= 0xDC80 && unit <= 0xDCFF && !isSecondHalf) return true;
+    before = unit;
+  }
+  return false;
 }
 
-bool HasWindowsNames(TextView fileSystem) {
-  constexpr TextView kinds[] = {u"VFAT", u"MSDOS", u"EXFAT", u"NTFS", u"NTFS3", u"FAT", u"FAT32"};
+// The names of the file systems are those of Linux.
+bool IsOneOf(TextView fileSystem, std::initializer_list<TextView> kinds) {
   const Text name = UpperCaseText(fileSystem);
-  return std::ranges::find(kinds, TextView(name)) != std::end(kinds);
+  return std::ranges::find(kinds, TextView(name)) != kinds.end();
 }
 
 bool CanHold(const VolumeInformation& volume, TextView name) {
   if (name.size() > volume.maximumComponentLength) return false;
-  if (!HasWindowsNames(volume.fileSystemName)) return true;
-  return std::ranges::none_of(name, IsForbiddenOnWindows) && !name.ends_with(u'.') &&
-         !name.ends_with(u' ');
+  if (IsOneOf(volume.fileSystemName, {u"VFAT", u"MSDOS"}) &&
+      (name.ends_with(u'.') || name.ends_with(u' ')))
+    return false;
+  return !IsOneOf(volume.fileSystemName, {u"VFAT", u"MSDOS", u"EXFAT", u"NTFS3"}) ||
+         !HasForbidden(name);
 }
 
 }  // namespace
@@ -111,7 +121,10 @@ class RemovalPlan::Builder {
   bool HasBin(std::int32_t folder) {
     const Text path = GetFolderPathByIdx(folder);
     const auto [known, isNew] = mHasBin.try_emplace(Root(path), false);
-    if (isNew) known->second = TheMachine().Pins().HasRecycleBin(path);
+    // In doubt the Recycle Bin itself refuses the file, and it is kept.
+    if (isNew)
+      known->second = TheMachine().Pins().HasRecycleBin(path) ||
+                      TheMachine().GetLastError() != ERROR_NOT_SUPPORTED;
     return known->second;
   }
 

@@ -2,7 +2,7 @@
 // The disk says what became of each file whose end the journal does not have.
 #include "removal/RemovalRecovery.h"
 
-#include <set>
+#include <map>
 
 #include "frame/ErrorReporting.h"
 #include "frame/Pump.h"
@@ -27,11 +27,17 @@ bool IsTheFile(const EntryLook& look, const JournalRecord& record) {
          look.state.written.Ticks() == record.written;
 }
 
-void PutBack(const Text& aside, const Text& path) {
-  if (TheMachine().Disk().MoveFileExW(ToLongPath(aside), ToLongPath(path), 0))
-    return AddFreeTextToLog(u"A removal was interrupted. This file was put back: " + Shown(path));
+// False where it could not be put back and may be later.
+bool PutBack(const Text& aside, const Text& path) {
+  if (TheMachine().Disk().MoveFileExW(ToLongPath(aside), ToLongPath(path), 0)) {
+    AddFreeTextToLog(u"A removal was interrupted. This file was put back: " + Shown(path));
+    return true;
+  }
+  const std::uint32_t code = TheMachine().GetLastError();
   AddFreeTextToLog(u"A removal was interrupted. This file could not be put back: " + Shown(path) +
-                   u". It is now: " + Shown(aside));
+                   u": " + SystemErrorReason(code) + u" It is now: " + Shown(aside) +
+                   u". Please rename it.");
+  return code == ERROR_ALREADY_EXISTS;
 }
 
 void AddEntry(std::int32_t kind, const JournalRecord& record) {
@@ -41,23 +47,44 @@ void AddEntry(std::int32_t kind, const JournalRecord& record) {
               0, {}, {}, result);
 }
 
-void Recover(const UnfinishedRemoval& removal) {
+// What gave way in the DUPES folder is put back like the file itself.
+bool PutAllBack(const JournalRecord& record, bool& isFound) {
+  bool isSettled = true;
+  for (const Text& path : {record.path, record.target}) {
+    if (path.empty() || record.asideName.empty()) continue;
+    const Text aside = GetFolderPartOf(path) + record.asideName;
+    const EntryLook look = LookAtEntry(aside);
+    if (look.IsUnknown()) isSettled = false;
+    if (!look.IsFile()) continue;
+    isFound = isFound || path == record.path;
+    isSettled = PutBack(aside, path) && isSettled;
+  }
+  return isSettled;
+}
+
+// False where the disk does not say, as of a drive that is not there.
+bool Recover(const UnfinishedRemoval& removal) {
   const JournalRecord& record = removal.record;
-  const Text aside = GetFolderPartOf(record.path) + record.asideName;
-  if (!record.asideName.empty() && LookAtEntry(aside).IsFile()) return PutBack(aside, record.path);
-  // What is still there was not reached, and what cannot be looked at is not known to be gone.
-  if (!LookAtEntry(record.path).IsAbsent()) return;
-  if (removal.method == RemoveMethod::Delete) return AddEntry(log_kind::FileDeleted, record);
-  if (removal.method == RemoveMethod::Recycle)
-    return AddEntry(log_kind::FileSentToRecycleBin, record);
-  if (!IsTheFile(LookAtEntry(record.target), record)) return;
-  AddEntry(removal.method == RemoveMethod::MoveToDupesFolder ? log_kind::FileMovedToDupesFolder
-                                                             : log_kind::FileMovedToOtherFolder,
-           record);
+  if (!LookAtFolder(GetFolderPartOf(record.path)).IsFolder()) return false;
+  bool isFound = false;
+  const bool isSettled = PutAllBack(record, isFound);
+  const EntryLook look = LookAtEntry(record.path);
+  if (isFound || look.IsPresent()) return isSettled;
+  if (look.IsUnknown()) return false;
+  if (removal.method == RemoveMethod::Delete)
+    AddEntry(log_kind::FileDeleted, record);
+  else if (removal.method == RemoveMethod::Recycle)
+    AddEntry(log_kind::FileSentToRecycleBin, record);
+  else if (IsTheFile(LookAtEntry(record.target), record))
+    AddEntry(removal.method == RemoveMethod::MoveToDupesFolder ? log_kind::FileMovedToDupesFolder
+                                                               : log_kind::FileMovedToOtherFolder,
+             record);
+  return isSettled;
 }
 
 }  // namespace
 
+// A run of which something could not be found out is looked at again the next time.
 void RecoverInterruptedRemovals() {
   Guarded(u"RemovalRecovery.RecoverInterruptedRemovals", [] {
     if (IsJournalEnded()) return;
@@ -65,13 +92,20 @@ void RecoverInterruptedRemovals() {
     if (lock.IsHeldByAnother()) return;
     const auto unfinished = ReadUnfinished();
     if (!unfinished) return;
-    std::set<Text> runs;
+    std::map<Text, bool> isSettled;
     for (const UnfinishedRemoval& removal : *unfinished) {
       DoEvents_Fast();
-      Recover(removal);
-      runs.insert(removal.run);
+      const bool isDone = Recover(removal);
+      const auto [run, isNew] = isSettled.try_emplace(removal.run, isDone);
+      if (!isNew) run->second = run->second && isDone;
     }
-    for (const Text& run : runs) static_cast<void>(EndJournalRun(run));
+    bool areAllSettled = true;
+    for (const auto& [run, isDone] : isSettled) {
+      areAllSettled = areAllSettled && isDone;
+      if (isDone) static_cast<void>(EndJournalRun(run));
+    }
+    // Of a run that ended before its first file nothing is unfinished.
+    if (areAllSettled && !IsJournalEnded()) static_cast<void>(EndJournalRun(u"-"));
   });
 }
 

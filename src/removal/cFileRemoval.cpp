@@ -19,6 +19,7 @@ namespace quillmarsh {
 namespace {
 
 constexpr int kMostNameAttempts = 8;
+constexpr TextView kChangedSinceLook = u"it has changed since it was looked at";
 
 Text Shown(TextView path) {
   return path.empty() ? Text() : TheMachine().Drives().ShownPath(path);
@@ -26,7 +27,7 @@ Text Shown(TextView path) {
 
 std::optional<Refusal> RefusalOfLastCall() {
   const std::uint32_t code = TheMachine().GetLastError();
-  if (code == ERROR_FILE_INVALID) return Refusal{0, u"it has changed since it was looked at"};
+  if (code == ERROR_FILE_INVALID) return Refusal{0, Text(kChangedSinceLook)};
   return Refusal{code, SystemErrorReason(code)};
 }
 
@@ -95,7 +96,7 @@ cFileRemoval::Done cFileRemoval::Remove(const Job& job) {
   if (auto refusal = mChecks.Hold(job.planned.group, job.planned.record, job.asideName, pair))
     return Keep(job, job.target, *refusal);
   if (job.seen && !job.seen->IsSameFileAs(pair.file.State()))
-    return Keep(job, job.target, {0, u"it has changed since it was looked at"});
+    return Keep(job, job.target, {0, Text(kChangedSinceLook)});
   if (IsMove(mPlan.Method())) {
     const Text folder = GetFolderPartOf(job.target);
     if (const std::uint32_t code = ProvideFolder(folder)) {
@@ -108,18 +109,21 @@ cFileRemoval::Done cFileRemoval::Remove(const Job& job) {
   done.target = job.target;
   Step refusal;
   if (mPlan.Method() == RemoveMethod::Delete || isForGood)
-    refusal = Delete(pair);
+    refusal = Delete(pair, done.problem);
   else if (mPlan.Method() == RemoveMethod::Recycle)
     refusal = Recycle(pair);
   else
     refusal = Move(job, pair, done.target);
   if (refusal) {
     const Text left = TheMachine().Pins().WhereLeft(pair.file.Get());
+    const bool isUnsettled = !left.empty() || refusal->code == ERROR_OPERATION_ABORTED;
     if (!left.empty()) {
       refusal->code = 0;
-      refusal->reason += u"; what was left is \"" + Shown(left) + u"\"";
+      refusal->reason += u"; see \"" + Shown(left) + u"\"";
     }
-    return Keep(job, done.target, *refusal);
+    done = Keep(job, done.target, *refusal);
+    done.isUnsettled = isUnsettled;
+    return done;
   }
   done.result = Result::Removed;
   done.isSpaceFreed = pair.file.State().links <= 1;
@@ -164,7 +168,7 @@ cFileRemoval::Step cFileRemoval::Prepare(const HeldPair& pair, bool isAside) {
 
 // Where names can change under a pin the file is taken aside first, whatever is known of the copy;
 // and the copy is looked at once more when the file is gone, which can still be made again then.
-cFileRemoval::Step cFileRemoval::Delete(const HeldPair& pair) {
+cFileRemoval::Step cFileRemoval::Delete(const HeldPair& pair, Text& problem) {
   Pinning& pins = TheMachine().Pins();
   if (Step refusal = mChecks.SecureCopy(pair)) return refusal;
   const bool isAside = !pins.HoldsNames() || pair.IsProofNeeded();
@@ -181,7 +185,10 @@ cFileRemoval::Step cFileRemoval::Delete(const HeldPair& pair) {
     refusal->reason += u", so this file was put back";
     return refusal;
   }
-  AddFreeTextToLog(u"The copy to keep changed at the last moment: " + Shown(pair.copyPath));
+  problem = u"A file was deleted, then its copy \"" + Shown(pair.copyPath) +
+            u"\" changed, and the file could not be put back: " +
+            SystemErrorReason(TheMachine().GetLastError());
+  AddFreeTextToLog(problem);
   return std::nullopt;
 }
 
@@ -190,7 +197,8 @@ cFileRemoval::Step cFileRemoval::Recycle(const HeldPair& pair) {
   std::int32_t number = 0;
   Text text;
   if (SendFileToRecycleBin(pair.file.Get(), number, text)) return std::nullopt;
-  Step refusal = RefusalOfLastCall();
+  Refusal refusal{static_cast<std::uint32_t>(number), text};
+  if (refusal.code == ERROR_FILE_INVALID) refusal = {0, Text(kChangedSinceLook)};
   if (pair.IsProofNeeded()) static_cast<void>(TheMachine().Pins().PutBack(pair.file.Get()));
   return refusal;
 }
@@ -225,33 +233,33 @@ bool cFileRemoval::IsListedCopy(TextView path) const {
   return mCopiesInDupesFolder.contains(Text(path));
 }
 
-cFileRemoval::Step cFileRemoval::MakeRoom(const Job& job, const HeldPair& pair, Text& target) {
-  HeldPair replaced;
+// What gives way is aside until the newcomer is in its place.
+cFileRemoval::Step cFileRemoval::Replace(const Job& job, const HeldPair& pair, Text& target) {
+  PinnedFile replaced;
   const bool mayReplace = mPlan.Method() == RemoveMethod::MoveToDupesFolder &&
                           !IsListedCopy(target) &&
-                          !mChecks.HoldReplaced(target, job.asideName, pair.file, replaced.file);
+                          !mChecks.HoldReplaced(target, job.asideName, pair.file, replaced);
   if (!mayReplace) {
+    replaced = PinnedFile();
     target = ResolveNextFileNameCollision(GetFileNameOf(job.fileSpec), GetFolderPartOf(target),
                                           mLastNames[target]);
-    return std::nullopt;
+    return MoveTo(pair, target);
   }
-  // The copy that stays of it is the newcomer.
   Pinning& pins = TheMachine().Pins();
-  const bool isAside = !pins.HoldsNames();
-  if (isAside && !pins.TakeAside(replaced.file.Get())) return RefusalOfLastCall();
-  if (pins.IsAsPinned(pair.file.Get()) && pins.Delete(replaced.file.Get())) return std::nullopt;
-  Step refusal = RefusalOfLastCall();
-  if (isAside) static_cast<void>(pins.PutBack(replaced.file.Get()));
+  if (!pins.TakeAside(replaced.Get())) return RefusalOfLastCall();
+  Step refusal = MoveTo(pair, target);
+  const bool isDone = refusal ? pins.PutBack(replaced.Get()) : pins.Delete(replaced.Get());
+  if (!isDone)
+    AddFreeTextToLog(u"This file in the DUPES folder had to be left: " +
+                     Shown(pins.WhereLeft(replaced.Get())));
   return refusal;
 }
 
 cFileRemoval::Step cFileRemoval::Move(const Job& job, const HeldPair& pair, Text& target) {
   if (Step refusal = Prepare(pair, pair.IsProofNeeded())) return refusal;
   Step refusal = MoveTo(pair, target);
-  for (int attempt = 0; attempt < kMostNameAttempts && IsTakenName(refusal); ++attempt) {
-    refusal = MakeRoom(job, pair, target);
-    if (!refusal) refusal = MoveTo(pair, target);
-  }
+  for (int attempt = 0; attempt < kMostNameAttempts && IsTakenName(refusal); ++attempt)
+    refusal = Replace(job, pair, target);
   if (!refusal) return std::nullopt;
   if (pair.IsProofNeeded()) static_cast<void>(TheMachine().Pins().PutBack(pair.file.Get()));
   mProvidedFolder.clear();

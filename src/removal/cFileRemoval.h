@@ -29,7 +29,9 @@ class cFileRemoval {
     Result result = Result::Failed;
     bool isSpaceFreed = false;  // it was the last name of its file
     bool isDeletedForGood = false;
-    Text target = {};  // where a moved file is
+    bool isUnsettled = false;  // something is under another name, or not known
+    Text target = {};          // where a moved file is
+    Text problem = {};         // of a removed file, for the user to know
   };
 
   // `deletesWithoutBin`: what is on a drive without a Recycle Bin is deleted. The listener may be
@@ -45,14 +47,14 @@ class cFileRemoval {
   [[nodiscard]] Done Remove(const Job& job);
   // The last look before a removal; with `isAside` the file is taken aside for it.
   [[nodiscard]] Step Prepare(const HeldPair& pair, bool isAside);
-  [[nodiscard]] Step Delete(const HeldPair& pair);
+  [[nodiscard]] Step Delete(const HeldPair& pair, Text& problem);
   // The others can be taken back, so that the file is taken aside only for the proof.
   [[nodiscard]] Step Recycle(const HeldPair& pair);
   [[nodiscard]] Step Move(const Job& job, const HeldPair& pair, Text& target);
   [[nodiscard]] static Step MoveTo(const HeldPair& pair, const Text& target);
-  // Of a taken name: what is there gives way in the DUPES folder where it has the same bytes; else
-  // `target` becomes a free name.
-  [[nodiscard]] Step MakeRoom(const Job& job, const HeldPair& pair, Text& target);
+  // Takes the place of a file in the DUPES folder that has the same bytes. `target` becomes a free
+  // name where there is none such.
+  [[nodiscard]] Step Replace(const Job& job, const HeldPair& pair, Text& target);
 
   void AddEntry(const RemovalEntry& entry) const;
   [[nodiscard]] Done Keep(const Job& job, const Text& target, const Refusal& refusal) const;

@@ -84,6 +84,7 @@ struct cRemovalRun::Walk {
   std::size_t batchBegin = 0;
   std::uint64_t asideNumber = std::random_device()() * std::uint64_t{1000000};
   std::int32_t scannedCount = 0;
+  bool isUnsettled = false;  // the next run has to look at something of this one
   Outcome outcome;
   std::chrono::steady_clock::time_point nextSave = std::chrono::steady_clock::now() + kSaveInterval;
 };
@@ -240,7 +241,7 @@ bool cRemovalRun::ConfirmMarkedFiles(const Walk& walk, std::int32_t& confirmedCo
   return agreed;
 }
 
-// Nobody loses a last copy unasked, even by a rule that says so or by marks set by hand.
+// No last copy is lost unasked, even by a rule that says so or by marks set by hand.
 bool cRemovalRun::ConfirmGroupsLeftWithoutCopy() {
   const std::int32_t groups = WhollyMarkedGroupCount(mResults);
   if (groups == 0) return true;
@@ -329,10 +330,13 @@ bool cRemovalRun::RemoveNextFile(Walk& walk, std::int32_t& remainingInGroup) {
                               walk.seen[walk.next - walk.batchBegin]};
   walk.next += 1;
   const cFileRemoval::Done done = walk.removal->RemoveFile(job);
+  walk.isUnsettled = walk.isUnsettled || done.isUnsettled;
+  if (!done.problem.empty()) walk.outcome.problem = done.problem;
   if (done.result == cFileRemoval::Result::Stopped) return EndByStop(walk);
   const bool isRemoved = done.result == cFileRemoval::Result::Removed;
-  walk.journal.Done(record.sequence, isRemoved ? JournalOutcome::Removed : JournalOutcome::Kept,
-                    isRemoved && done.target != record.target ? done.target : Text());
+  if (!done.isUnsettled)
+    walk.journal.Done(record.sequence, isRemoved ? JournalOutcome::Removed : JournalOutcome::Kept,
+                      isRemoved && done.target != record.target ? done.target : Text());
   if (!isRemoved) {
     walk.outcome.failedCount += 1;
     if (done.result == cFileRemoval::Result::Kept) walk.outcome.keptCount += 1;
@@ -437,7 +441,7 @@ void cRemovalRun::Close(Walk* walk) {
   });
   Guarded(kSource, [&] {
     WriteHistory();
-    if (walk != nullptr && walk->removal && walk->options.keepsHistory)
+    if (walk != nullptr && walk->removal && walk->options.keepsHistory && !walk->isUnsettled)
       static_cast<void>(walk->journal.End());
   });
   mView.EnableUIAfterRemoval();
@@ -456,8 +460,8 @@ void cRemovalRun::Close(Walk* walk) {
 // What the user does not expect, as further lines of the closing message.
 Text cRemovalRun::NotesOf(const Outcome& outcome) {
   const std::pair<TextView, std::int32_t> notes[] = {
-      {u"Files that were kept.  They, or the copies you are keeping, are in use or have changed "
-       u"since the search, or are not two files.  The history says why for each: ",
+      {u"Files that were kept, since they or the copies you are keeping are in use or have changed "
+       u"since the search, or are one file.  The history says why.  Kept files: ",
        outcome.keptCount},
       {u"Files that were deleted permanently because their drives have no Recycle Bin: ",
        outcome.deletedForGoodCount}};
@@ -467,8 +471,7 @@ Text cRemovalRun::NotesOf(const Outcome& outcome) {
       text += Text(kLineBreak) + Text(kLineBreak) + Text(note) +
               FormatGrouped(std::int64_t{count}, GetLocaleFacts());
   }
-  if (!outcome.problem.empty())
-    text += Text(kLineBreak) + Text(kLineBreak) + outcome.problem;
+  if (!outcome.problem.empty()) text += Text(kLineBreak) + Text(kLineBreak) + outcome.problem;
   return text;
 }
 

@@ -33,7 +33,7 @@ class cRemovalRun {
     bool isRefused = false;         // nothing was done
     bool isFailed = false;          // it ended early
     bool isHistoryMissing = false;  // which is why it was refused
-    Text problem;  // why it was refused or ended early
+    Text problem;                   // why it was refused or ended early
   };
 
   // `filesSearched` is shown in the status at the end. Nothing is owned.

@@ -225,10 +225,12 @@ class Run:
         self.end = tree.snapshot()
         self.files = json.loads(output)["files"] if output.endswith(b"}\n") else []
 
-    def taking_steps(self):
-        """Those that take a name of the file from its folder: its own, or one that it has for a moment."""
-        return [step for step, call, path, *_, outcome in self.log
-                if call.startswith(("unlink", "rename")) and path.startswith(self.tree.dup) and outcome == "0"]
+    def telling_steps(self):
+        """The end of the comparison, and those that take a name of the file: its own, or one for a moment."""
+        taking = [step for step, call, path, *_, outcome in self.log
+                  if call.startswith(("unlink", "rename")) and path.startswith(self.tree.dup) and outcome == "0"]
+        reading = [step for step, call, path, *_ in self.log if call == "pread64" and path == self.tree.copy]
+        return [max(step for step in reading if step < taking[0]), *taking]
 
     def findings(self):
         """Pairs of a kind and what is wrong."""
@@ -261,7 +263,8 @@ class Run:
                      (end[path][0] == tree.number or (data == was[0] and (path == tree.file or path not in after)))]
             if was and not stays:
                 yield "false outcome", f"{told}, but it is not there"
-            if len({path.startswith(tree.far) for path in copies}) == 2:
+            named = str(self.files[0].get("reason"))
+            if len({path.startswith(tree.far) for path in copies if path not in named}) == 2:
                 yield "leftover", f"{told}, but there are {copies}"
         elif tree.number and end.get(tree.file, [None])[0] == tree.number:
             yield "false outcome", f"{told}, but it is still there"
@@ -282,36 +285,37 @@ class OneVolume(unittest.TestCase):
         os.mkdir(cls.near), os.mkdir(cls.far)
         print("\nmethod", "volumes", "steps", "changes", "runs", "changed", *FINDINGS, sep=" | ", file=sys.stderr)
 
-    def chosen_steps(self, taking, number):
-        """All until the file is gone; or the last one, and in turn the first that takes it, a late one and any."""
-        last = taking[-1]
+    def chosen_steps(self, telling, number):
+        """All until the file is gone; or in turn a telling one, a late one and any, and mostly the last one too."""
+        last = telling[-1]
         if IS_FULL:
             return range(1, last + 1)
         number += len(self.id()) + self.volumes
-        others = (last, taking[0], last - 1 - number // 4 % 8, 1 + number * 37 % last)
-        return sorted({others[number % 4], *([] if IS_SLOW else [last])})
+        step = (last - 1 - number // 4 % 8, telling[0], telling[1], 1 + number * 37 % last)[number % 4]
+        return [step] if IS_SLOW or number % 4 == 0 else sorted({step, last})
 
     def attack(self, method):
         method = method.format(far=self.far)
         plain = Run(Tree(self.near, self.far, None), method)
         self.assertEqual((plain.code, len(plain.files)), (0, 1), plain.told)
         target = plain.files[0].get("target", self.far + "/data/Trash/files/a.txt")
-        taking = plain.taking_steps()
+        telling = plain.telling_steps()
         runs = held = made = 0
         counts, details = collections.Counter(), []
         for number, change in enumerate(CHANGES):
             if "mount" in change and not IN_NAMESPACE:
                 continue
-            for step in self.chosen_steps(taking, number):
+            for step in self.chosen_steps(telling, number):
                 run = Run(Tree(self.near, self.far, target), method, step, change)
                 runs, held, made = runs + 1, held + (run.held is not None), made + run.is_made
                 findings = list(run.findings()) if run.held else []
                 counts.update({kind for kind, _ in findings})
                 details += (f"{change} before step {step}, {run.held}: {kind}: {text}".replace(self.base, "")
                             for kind, text in findings)
-        print(method.split("=")[0], self.volumes, taking[-1], len(CHANGES), runs, made,
+        print(method.split("=")[0], self.volumes, telling[-1], len(CHANGES), runs, made,
               *(counts[kind] for kind in FINDINGS), sep=" | ", file=sys.stderr)
-        self.assertGreaterEqual(held, runs * 0.95, "the program takes other steps each time")
+        # A file that is open elsewhere is left early.
+        self.assertGreater(held, runs * 0.8, "the program takes other steps each time")
         self.assertGreater(made, runs / 3, "most changes could not be made")
         if details:
             self.fail("\n".join([f"{len(details)} findings", *details[:None if IS_FULL else 10]]))

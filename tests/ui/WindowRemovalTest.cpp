@@ -139,7 +139,7 @@ TEST_F(WindowRemovalTest, AFileWhoseCopyHasGoneSinceTheSearchStays) {
     ASSERT_TRUE(QFile::remove(ToQString(TheMachine().Drives().ShownPath(kept))));
   }
   boxes.Expect(LoadResString(378) + u": 25", MessageBoxResult::Yes);
-  boxes.Expect(u"Files that were kept.  They, or the copies you are keeping");
+  boxes.Expect(u"Files that were kept, since they or the copies you are keeping");
   Press(*Parts().smtSearchResultsToolbar, "REMOVE_KEY");
   EXPECT_EQ(FilesLeft(), kPairs) << "one of each pair";
   EXPECT_EQ(Parts().ulvwDupeGroups->Model().rowCount(), 1);

@@ -91,7 +91,7 @@ std::uint32_t CheckArrival(const Trashing& trashing, const FolderEntry& target, 
 // The pin itself looks at what arrives.
 std::uint32_t BringPinned(const Trashing& trashing, const FolderEntry& target, TrashNote& note) {
   const std::uint32_t code =
-      RenamePinned(trashing.folders, *trashing.request.pin, target, trashing.permit);
+      RenamePinned(trashing.folders, *trashing.request.pin, {target, {}}, trashing.permit);
   if (code == ERROR_SUCCESS || (code != ERROR_ALREADY_EXISTS && LookFor(target) != ENOENT))
     note.Keep();
   return code;
@@ -210,7 +210,8 @@ std::uint32_t SendToTrash(OpenFolders& folders, const TrashRequest& request, Cha
   for (const Way& way : WaysFor(request, trashing.source)) {
     code = TryTrash(trashing, way.kind, way.bring);
     const bool isDecided = code == ERROR_FILE_INVALID || code == ERROR_SHARING_VIOLATION;
-    if (code == ERROR_SUCCESS || permit.IsToStop() || isDecided) return code;
+    if (code == ERROR_SUCCESS || isDecided) return code;
+    if (permit.IsToStop()) return ERROR_OPERATION_ABORTED;
     // Nothing more is tried with what is not surely where it was.
     bool isThere = false;
     if (const int error = trashing.LookForSource(isThere)) return SystemErrorFromErrno(error);

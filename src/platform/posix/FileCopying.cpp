@@ -99,6 +99,7 @@ struct Copying {
   struct stat facts {};  // of the source when it was opened
   bool sourceGoes = false;
   struct stat made {};  // the copy
+  bool isPlaced = false;
 };
 
 std::size_t PartOf(const Block& block, std::int64_t rest) {
@@ -227,6 +228,7 @@ std::uint32_t PutIntoPlace(const PathResolver& resolver, const CopyRequest& requ
     if (error == EEXIST) continue;
     if (error != 0) return SystemErrorFromErrno(error);
     temporary.Keep();
+    copying.isPlaced = true;
     if (const std::uint32_t code = LookAgain(resolver, request.target, copying.target)) return code;
     return copying.target.exists ? ERROR_SUCCESS : ERROR_FILE_NOT_FOUND;
   }
@@ -315,13 +317,16 @@ std::uint32_t MovePinnedByCopy(OpenFolders& folders, const CopyRequest& request,
   if (const std::uint32_t code = WhyNotTakenAway(pin.place)) return code;
   Copying copying;
   copying.sourceGoes = true;
-  if (const auto error = Copy(folders, request, permit, copying)) return error;
-  std::uint32_t code = SyncTarget(copying);
+  std::uint32_t code = Copy(folders, request, permit, copying);
+  if (code == ERROR_SUCCESS) code = SyncTarget(copying);
   if (code == ERROR_SUCCESS && !pin.isAside) code = TakePinnedAside(folders, pin, permit);
   if (code == ERROR_SUCCESS) code = DeletePinned(pin, permit);
-  if (code == ERROR_SUCCESS) return code;
-  if (pin.isAside && !permit.IsWithdrawn()) (void)PutPinnedBack(pin, permit);
-  if (!TakeCopyBack(copying, permit))
+  if (code == ERROR_SUCCESS || !copying.isPlaced) return code;
+  if (!permit.IsWithdrawn()) (void)PutPinnedBack(pin, permit);
+  // The copy stays where the original may be gone.
+  struct stat original {};
+  const bool hasName = ::fstat(copying.source, &original) == 0 && original.st_nlink > 0;
+  if (!hasName || !TakeCopyBack(copying, permit))
     pin.left = JoinNative(request.target.drive->mount->point, request.target.path.relative);
   return code;
 }

@@ -42,13 +42,24 @@ int FactsOfFile(const PinnedEntry& pin, struct statx& facts) {
   return FactsOf(pin.file.Get(), "", AT_EMPTY_PATH, facts);
 }
 
-// 1006 where the name below the held folder does not lead to the file any more.
-std::uint32_t CheckName(const FolderEntry& place, const struct statx& file) {
-  struct statx there {};
-  const int error = FactsOf(place.folder.Get(), place.name.c_str(), FactsOfEntryItself, there);
-  if (error != 0 && error != ENOENT) return SystemErrorFromErrno(error);
-  return error == 0 && HasSameContents(there, file) ? ERROR_SUCCESS : ERROR_FILE_INVALID;
+}  // namespace
+
+// While the file is open its number is given to no other one, so that on a file system with numbers
+// of its own the name's facts are those of the handle. Elsewhere the handle is asked too, and must
+// agree.
+std::uint32_t LookAtPinned(const PinnedEntry& pin, const FolderEntry& place, struct statx& facts) {
+  int error = FactsOf(place.folder.Get(), place.name.c_str(), FactsOfEntryItself, facts);
+  if (error == ENOENT) return ERROR_FILE_INVALID;
+  if (error != 0) return SystemErrorFromErrno(error);
+  if (!IsSameFile(facts, pin.place.entry.facts)) return ERROR_FILE_INVALID;
+  if (pin.located.drive->kind.hasOwnNumbers) return ERROR_SUCCESS;
+  struct statx held {};
+  error = FactsOfFile(pin, held);
+  if (error != 0) return SystemErrorFromErrno(error);
+  return HasSameContents(held, facts) ? ERROR_SUCCESS : ERROR_FILE_INVALID;
 }
+
+namespace {
 
 // Whether the path still leads to the folder that is held.
 std::uint32_t CheckFolder(OpenFolders& folders, const PinnedEntry& pin) {
@@ -66,16 +77,18 @@ std::uint32_t CheckFolder(OpenFolders& folders, const PinnedEntry& pin) {
                                                                         : ERROR_FILE_INVALID;
 }
 
-// Whoever opens the file for writing from now on waits until the pin ends. 32 where another program
-// has done so already. Where the lease cannot be had (another user's file, another file system)
-// nothing is known.
+}  // namespace
+
 std::uint32_t HoldOffWriters(PinnedEntry& pin) {
+  if (pin.hasLease) return ERROR_SUCCESS;
   // A waiting writer is announced by a signal, and by itself that one would end the program.
   if (::fcntl(pin.file.Get(), F_SETSIG, SIGURG) != 0) return ERROR_SUCCESS;
   pin.hasLease = ::fcntl(pin.file.Get(), F_SETLEASE, F_RDLCK) == 0;
   if (pin.hasLease) return ERROR_SUCCESS;
   return errno == EAGAIN ? ERROR_SHARING_VIOLATION : ERROR_SUCCESS;
 }
+
+namespace {
 
 // Whoever waits has found the file by its name already, and would write to it after its removal.
 bool IsAwaited(const PinnedEntry& pin) {
@@ -109,14 +122,14 @@ namespace {
 
 // Another file took the name between the look and the rename. It goes back, and the pin leads
 // nowhere.
-std::uint32_t ReturnStranger(PinnedEntry& pin, const FolderEntry& target, ChangePermit& permit) {
-  FolderEntry stranger = target;
-  if (const int error = LookAtItself(stranger)) return SystemErrorFromErrno(error);
+std::uint32_t ReturnStranger(PinnedEntry& pin, const PinnedTarget& target, ChangePermit& permit) {
+  FolderEntry stranger = target.place;
   FolderEntry back = pin.place;
-  const int error = RenameBack(stranger, back, permit);
-  if (error != 0) return SystemErrorFromErrno(error);
-  if (back.name != pin.place.name) pin.left = NativeBeside(pin, back.name);
-  return ERROR_FILE_INVALID;
+  int error = LookAtItself(stranger);
+  if (error == 0) error = RenameBack(stranger, back, permit);
+  if (error != 0) pin.left = target.native;
+  if (error == 0 && back.name != pin.place.name) pin.left = NativeBeside(pin, back.name);
+  return error == 0 ? ERROR_FILE_INVALID : SystemErrorFromErrno(error);
 }
 
 }  // namespace
@@ -142,18 +155,15 @@ std::uint32_t LockPinned(const PinnedEntry& pin) {
   return errno == EWOULDBLOCK ? ERROR_LOCK_VIOLATION : ERROR_SUCCESS;
 }
 
-std::uint32_t CheckAsPinned(OpenFolders& folders, PinnedEntry& pin) {
+std::uint32_t CheckAsPinned(OpenFolders& folders, const PinnedEntry& pin) {
   if (pin.isGone) return ERROR_FILE_INVALID;
-  // A program that has the copy to keep open for writing, or mapped, can change it unseen.
-  if (pin.purpose == PinPurpose::Keep && !pin.hasLease)
-    if (const std::uint32_t code = HoldOffWriters(pin)) return code;
   struct statx now {};
-  if (const int error = FactsOfFile(pin, now)) return SystemErrorFromErrno(error);
+  if (const std::uint32_t code = LookAtPinned(pin, pin.place, now)) return code;
   const struct statx& then = pin.place.entry.facts;
   if (!HasSameContents(now, then) || !IsSameMoment(now.stx_ctime, then.stx_ctime))
     return ERROR_FILE_INVALID;
-  if (const std::uint32_t code = CheckFolder(folders, pin)) return code;
-  return CheckName(pin.place, now);
+  // Below the held folder a copy is as safe as ever; what is removed must be what the path says.
+  return pin.purpose == PinPurpose::Remove ? CheckFolder(folders, pin) : ERROR_SUCCESS;
 }
 
 std::uint32_t ReachAnew(const PathResolver& resolver, const PinnedEntry& pin) {
@@ -182,56 +192,67 @@ std::uint32_t ReachAnew(const PathResolver& resolver, const PinnedEntry& pin) {
   return SystemErrorFromErrno(ReadFully(file.Get(), bytes.data(), bytes.size(), 0, got));
 }
 
-std::uint32_t RenamePinned(OpenFolders& folders, PinnedEntry& pin, const FolderEntry& target,
+std::uint32_t RenamePinned(OpenFolders& folders, PinnedEntry& pin, const PinnedTarget& target,
                            ChangePermit& permit) {
   if (!pin.isAside)
     if (const std::uint32_t code = LastLook(folders, pin)) return code;
-  if (const int error = RenameToFreeName(pin.place, target, permit))
-    return error == EXDEV ? ERROR_NOT_SAME_DEVICE : SystemErrorFromErrno(error);
+  std::uint32_t code = ERROR_SUCCESS;
   struct statx now {};
-  if (const int error = FactsOfFile(pin, now)) return SystemErrorFromErrno(error);
-  const std::uint32_t arrived = CheckName(target, now);
-  if (arrived == ERROR_FILE_INVALID) return ReturnStranger(pin, target, permit);
-  if (arrived != ERROR_SUCCESS) return arrived;
-  const bool isUnchanged = HasSameContents(now, pin.place.entry.facts);
-  pin.place.folder = target.folder;
-  pin.place.name = target.name;
-  pin.place.entry.facts = now;
-  if (isUnchanged && !IsAwaited(pin)) return ERROR_SUCCESS;
-  // It was written to in the last moment, or is about to be.
-  const std::uint32_t code = PutPinnedBack(pin, permit);
+  if (const int error = RenameToFreeName(pin.place, target.place, permit)) {
+    code = error == EXDEV ? ERROR_NOT_SAME_DEVICE : SystemErrorFromErrno(error);
+    // A server may have done it and lost the answer.
+    if (error == EEXIST || LookAtPinned(pin, target.place, now) != ERROR_SUCCESS) return code;
+  } else {
+    code = LookAtPinned(pin, target.place, now);
+    if (code == ERROR_FILE_INVALID) return ReturnStranger(pin, target, permit);
+  }
+  const bool isUnchanged =
+      code == ERROR_SUCCESS && HasSameContents(now, pin.place.entry.facts) && !IsAwaited(pin);
+  pin.place.folder = target.place.folder;
+  pin.place.name = target.place.name;
+  pin.isAway = true;
+  pin.left = target.native;
+  if (isUnchanged) {
+    pin.place.entry.facts = now;
+    return ERROR_SUCCESS;
+  }
+  // It was written to in the last moment, or is about to be, or nothing is known of it.
+  const std::uint32_t codeOfReturn = PutPinnedBack(pin, permit);
+  if (codeOfReturn != ERROR_SUCCESS) return codeOfReturn;
   return code == ERROR_SUCCESS ? ERROR_FILE_INVALID : code;
 }
 
 std::uint32_t TakePinnedAside(OpenFolders& folders, PinnedEntry& pin, ChangePermit& permit) {
-  FolderEntry aside = pin.place;
-  aside.name = pin.asideName;
+  PinnedTarget aside{pin.home, NativeBeside(pin, pin.asideName)};
+  aside.place.name = pin.asideName;
   const std::uint32_t code = RenamePinned(folders, pin, aside, permit);
   if (code == ERROR_SUCCESS) pin.isAside = true;
   return code;
 }
 
 std::uint32_t PutPinnedBack(PinnedEntry& pin, ChangePermit& permit) {
+  if (!pin.isAway) return ERROR_SUCCESS;
   FolderEntry back = pin.home;
-  const int error = RenameBack(pin.place, back, permit);
-  const std::string& now = error != 0 ? pin.place.name : back.name;
-  pin.left = now == pin.home.name ? std::string() : NativeBeside(pin, now);
-  if (error != 0) return SystemErrorFromErrno(error);
+  if (const int error = RenameBack(pin.place, back, permit)) return SystemErrorFromErrno(error);
+  pin.left = back.name == pin.home.name ? std::string() : NativeBeside(pin, back.name);
   pin.place.folder = back.folder;
   pin.place.name = back.name;
-  pin.isAside = false;
+  pin.isAside = pin.isAway = false;
   return ERROR_SUCCESS;
 }
 
 std::uint32_t DeletePinned(PinnedEntry& pin, ChangePermit& permit) {
   if (!pin.isAside) return ERROR_FILE_INVALID;
-  if (const std::uint32_t code = CheckName(pin.place, pin.place.entry.facts)) return code;
+  struct statx now {};
+  if (const std::uint32_t code = LookAtPinned(pin, pin.place, now)) return code;
+  if (!HasSameContents(now, pin.place.entry.facts)) return ERROR_FILE_INVALID;
   if (IsAwaited(pin)) return ERROR_SHARING_VIOLATION;
   const int error =
       permit.Use([&] { return ::unlinkat(pin.place.folder.Get(), pin.place.name.c_str(), 0); });
   if (error == 0) {
-    pin.isAside = false;
+    pin.isAside = pin.isAway = false;
     pin.isGone = true;
+    pin.left.clear();
   }
   return SystemErrorFromErrno(error);
 }

@@ -41,6 +41,7 @@ template <typename Job>
 bool PosixPinning::Ask(HANDLE handle, Job job) {
   const SharedPin* const found = mPins.Find(handle);
   if (found == nullptr) return Fail(ERROR_INVALID_HANDLE, false);
+  if (mGivenUp.contains(handle)) return Fail(ERROR_OPERATION_ABORTED, false);
   char nothing = 0;
   const std::uint32_t code = mContext.Run((*found)->located.drive->kind.answers, nothing,
                                           [pin = *found, job](char&) { return job(*pin); });
@@ -51,6 +52,7 @@ template <typename Job>
 bool PosixPinning::Act(HANDLE handle, bool isLong, bool answers, Job job) {
   const SharedPin* const found = mPins.Find(handle);
   if (found == nullptr) return Fail(ERROR_INVALID_HANDLE, false);
+  if (mGivenUp.contains(handle)) return Fail(ERROR_OPERATION_ABORTED, false);
   answers = answers && (*found)->located.drive->kind.answers;
   const std::uint32_t code = WithPermit([&](const std::shared_ptr<ChangePermit>& permit) {
     const auto run = [pin = *found, folders = mContext.folders, permit, job](char&) {
@@ -60,6 +62,8 @@ bool PosixPinning::Act(HANDLE handle, bool isLong, bool answers, Job job) {
     return isLong ? mContext.RunLong(answers, nothing, permit, run)
                   : mContext.Run(answers, nothing, run);
   });
+  // From now on the pin belongs to the thread that was left behind.
+  if (code == ERROR_OPERATION_ABORTED && !answers) mGivenUp.insert(handle);
   return code == ERROR_SUCCESS || Fail(code, false);
 }
 
@@ -94,6 +98,10 @@ HANDLE PosixPinning::DoPin(TextView path, PinPurpose purpose, TextView asideName
 
 bool PosixPinning::DoLock(HANDLE handle) {
   return Ask(handle, [](PinnedEntry& pin) { return LockPinned(pin); });
+}
+
+bool PosixPinning::DoHoldOffWriters(HANDLE handle) {
+  return Ask(handle, [](PinnedEntry& pin) { return quillmarsh::HoldOffWriters(pin); });
 }
 
 bool PosixPinning::DoCheck(HANDLE handle) {
@@ -142,8 +150,9 @@ bool PosixPinning::DoDelete(HANDLE handle) {
 }
 
 bool PosixPinning::DoRestore(HANDLE handle) {
-  return Act(handle, true, true, [](OpenFolders&, PinnedEntry& pin, ChangePermit& permit) {
-    return RestorePinned(pin, permit);
+  return Act(handle, true, true, [](OpenFolders&, PinnedEntry& pin, ChangePermit&) {
+    ChangePermit own;  // a stop does not end this one
+    return RestorePinned(pin, own);
   });
 }
 
@@ -156,9 +165,10 @@ bool PosixPinning::DoMoveTo(HANDLE handle, TextView newPath, PinnedMove way) {
   return Act(handle, false, target.drive->kind.answers,
              [target](OpenFolders& folders, PinnedEntry& pin, ChangePermit& permit) {
                if (pin.located.drive->letter != target.drive->letter) return ERROR_NOT_SAME_DEVICE;
-               FolderEntry place;
-               if (const auto code = OpenPlace(folders, target, place)) return code;
-               const std::uint32_t code = RenamePinned(folders, pin, place, permit);
+               PinnedTarget to;
+               to.native = JoinNative(target.drive->mount->point, target.path.relative);
+               if (const auto code = OpenPlace(folders, target, to.place)) return code;
+               const std::uint32_t code = RenamePinned(folders, pin, to, permit);
                pin.isGone = code == ERROR_SUCCESS;
                return code;
              });
@@ -194,6 +204,7 @@ bool PosixPinning::DoRecycle(HANDLE handle) {
 
 bool PosixPinning::DoUnpin(HANDLE handle) {
   std::unique_ptr<SharedPin> pin = mPins.Remove(handle);
+  if (mGivenUp.erase(handle) > 0) return true;
   if (pin == nullptr) return Fail(ERROR_INVALID_HANDLE, false);
   if ((*pin)->located.drive->kind.answers) return true;
   // Closing may have to wait for the file system as well.
@@ -207,8 +218,11 @@ bool PosixPinning::DoUnpin(HANDLE handle) {
 
 Text PosixPinning::DoWhereLeft(HANDLE handle) const {
   const SharedPin* const found = mPins.Find(handle);
-  if (found == nullptr || (*found)->left.empty()) return {};
-  const auto form = (*found)->located.table->DriveForm((*found)->left);
+  if (found == nullptr) return {};
+  const PinnedEntry& pin = **found;
+  // The thread that was left behind may still change all but the two names.
+  const std::string left = mGivenUp.contains(handle) ? NativeBeside(pin, pin.asideName) : pin.left;
+  const auto form = left.empty() ? std::nullopt : pin.located.table->DriveForm(left);
   return form ? *form : Text();
 }
 
@@ -224,14 +238,16 @@ bool PosixPinning::DoHasBin(TextView path) {
   code = mContext.Locate(path, located);
   char nothing = 0;
   if (code == ERROR_SUCCESS)
-    code = mContext.Run(located.drive->kind.answers, nothing,
-                        [located, resolver = mContext.resolver](char&) {
-                          UniqueFd root;
-                          if (const auto error = resolver->OpenRoot(*located.drive, root))
-                            return error;
-                          const bool mayMake = ::faccessat(root.Get(), ".", W_OK, AT_EACCESS) == 0;
-                          return mayMake ? ERROR_SUCCESS : SystemErrorFromErrno(errno);
-                        });
+    code = mContext.Run(
+        located.drive->kind.answers, nothing, [located, resolver = mContext.resolver](char&) {
+          UniqueFd root;
+          if (const auto error = resolver->OpenRoot(*located.drive, root)) return error;
+          const std::string own = ".Trash-" + std::to_string(::getuid());
+          const bool isThere = ::faccessat(root.Get(), ".", W_OK, AT_EACCESS) == 0 ||
+                               ::faccessat(root.Get(), own.c_str(), F_OK, 0) == 0 ||
+                               ::faccessat(root.Get(), ".Trash", F_OK, 0) == 0;
+          return isThere ? ERROR_SUCCESS : ERROR_NOT_SUPPORTED;
+        });
   return code == ERROR_SUCCESS || Fail(code, false);
 }
 

@@ -5,6 +5,7 @@
 #pragma once
 
 #include <memory>
+#include <set>
 
 #include "platform/posix/HandleTable.h"
 #include "platform/posix/PinnedEntry.h"
@@ -24,6 +25,7 @@ class PosixPinning final : public Pinning {
   bool DoLookAt(TextView path, FileState& state) override;
   HANDLE DoPin(TextView path, PinPurpose purpose, TextView asideName, FileState& state) override;
   bool DoLock(HANDLE pin) override;
+  bool DoHoldOffWriters(HANDLE pin) override;
   bool DoCheck(HANDLE pin) override;
   bool DoReachAnew(HANDLE pin) override;
   std::uint32_t DoReadAt(HANDLE pin, std::int64_t position, std::span<std::byte> buffer,
@@ -42,8 +44,8 @@ class PosixPinning final : public Pinning {
   // Runs a job that returns a code, on the helper where the file system may not answer.
   template <typename Job>
   bool Ask(HANDLE handle, Job job);
-  // The same for a job that changes the disk. A long one always runs on the helper. `answers` tells
-  // of the other file systems that it touches.
+  // The same for a job that changes the disk. A long one always runs on the helper. `answers` is
+  // false where another file system that it touches may not answer.
   template <typename Job>
   bool Act(HANDLE handle, bool isLong, bool answers, Job job);
   bool CopyTo(HANDLE handle, const Located& target);
@@ -51,6 +53,7 @@ class PosixPinning final : public Pinning {
   PosixContext& mContext;
   PosixShell& mShell;
   HandleTable<SharedPin> mPins;
+  std::set<HANDLE> mGivenUp;  // whose thread was left behind in the middle of a change
 };
 
 }  // namespace quillmarsh

@@ -134,7 +134,7 @@ std::uint32_t CopyFrom(::HANDLE source, const CopyOrder& order) {
   if (::CopyFileExW(order.existing.c_str(), copy.Path(), nullptr, nullptr, nullptr,
                     COPY_FILE_FAIL_IF_EXISTS) == FALSE)
     return ::GetLastError();
-  const DWORD attributes = ::GetFileAttributesW(copy.Path());
+  const DWORD attributes = ::GetFileAttributesW(order.existing.c_str());
   if (attributes == INVALID_FILE_ATTRIBUTES ||
       ::SetFileAttributesW(copy.Path(), attributes & ~DWORD{FILE_ATTRIBUTE_READONLY}) == FALSE)
     return ::GetLastError();

@@ -2,6 +2,7 @@
 // Opening with the sharing that keeps others away, and changes through the handle.
 #include "platform/win32/Win32Pinning.h"
 
+#include <algorithm>
 #include <cstring>
 #include <limits>
 #include <memory>
@@ -22,6 +23,7 @@ struct Win32Pinning::Pinned {
   PinPurpose purpose = PinPurpose::Keep;
   ::HANDLE file = nullptr;
   FileState state;
+  std::wstring leftPath;  // of a copy that could not be taken back
   bool isGone = false;
   ~Pinned() {
     if (file != nullptr) ::CloseHandle(file);
@@ -30,7 +32,6 @@ struct Win32Pinning::Pinned {
 
 namespace {
 
-using win32::ToSystem;
 
 constexpr DWORD kAskOnly = FILE_READ_ATTRIBUTES;
 constexpr DWORD kShareAll = FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE;
@@ -87,12 +88,10 @@ std::uint32_t LookAtPath(const std::wstring& path, FileState& state) {
   return win32::FromSystem(file) == quillmarsh::INVALID_HANDLE ? nullptr : file;
 }
 
-// A file to keep is opened for writing where that can be, since only then can it be flushed. The
-// second name of a file that is pinned for its removal must share that.
-::HANDLE OpenToKeep(const std::wstring& path) {
-  for (const DWORD share : {FILE_SHARE_READ, FILE_SHARE_READ | FILE_SHARE_DELETE})
-    for (const DWORD access : {GENERIC_READ | GENERIC_WRITE, GENERIC_READ})
-      if (const ::HANDLE file = OpenFor(path, access, share)) return file;
+// A file to keep is opened for writing where that can be, since only then can it be flushed.
+::HANDLE OpenToKeep(const std::wstring& path, DWORD share) {
+  for (const DWORD access : {GENERIC_READ | GENERIC_WRITE, GENERIC_READ})
+    if (const ::HANDLE file = OpenFor(path, access, share)) return file;
   return nullptr;
 }
 
@@ -166,7 +165,12 @@ HANDLE Win32Pinning::DoPin(TextView path, PinPurpose purpose, TextView asideName
   pin->purpose = purpose;
   pin->ownPath = pin->presentPath = argument.Get();
   pin->asidePath = pin->ownPath.substr(0, pin->ownPath.rfind(L'\\') + 1) + win32::Wide(asideName);
-  pin->file = purpose == PinPurpose::Remove ? OpenToRemove(pin->ownPath) : OpenToKeep(pin->ownPath);
+  pin->file = purpose == PinPurpose::Remove ? OpenToRemove(pin->ownPath)
+                                            : OpenToKeep(pin->ownPath, FILE_SHARE_READ);
+  // The second name of a file that is pinned for its removal must share that, and only that one.
+  const bool isShared = pin->file == nullptr && purpose == PinPurpose::Keep &&
+                        ::GetLastError() == ERROR_SHARING_VIOLATION;
+  if (isShared) pin->file = OpenToKeep(pin->ownPath, FILE_SHARE_READ | FILE_SHARE_DELETE);
   if (pin->file == nullptr) return Fail(::GetLastError(), INVALID_HANDLE);
   ::BY_HANDLE_FILE_INFORMATION told{};
   if (::GetFileInformationByHandle(pin->file, &told) == FALSE)
@@ -174,9 +178,15 @@ HANDLE Win32Pinning::DoPin(TextView path, PinPurpose purpose, TextView asideName
   if (!IsPlainFile(told.dwFileAttributes, pin->file))
     return Fail(ERROR_ACCESS_DENIED, INVALID_HANDLE);
   if (const std::uint32_t code = StateOf(pin->file, pin->state)) return Fail(code, INVALID_HANDLE);
+  const bool isOurs = std::ranges::any_of(mPins, [&](const auto& entry) {
+    const Pinned& other = *entry.second;
+    return other.purpose == PinPurpose::Remove && other.state.IsSameFileAs(pin->state);
+  });
+  if (isShared && !isOurs) return Fail(ERROR_SHARING_VIOLATION, INVALID_HANDLE);
   pin->state.hasTrustedNumbers = HasTrustedNumbers(pin->ownPath);
   state = pin->state;
-  const HANDLE handle = win32::FromSystem(pin->file);
+  // A number of its own: the system gives that of a closed handle to the next one.
+  const HANDLE handle{++mLastPin};
   mPins[handle] = std::move(pin);
   return handle;
 }
@@ -202,6 +212,8 @@ bool Win32Pinning::DoReachAnew(HANDLE handle) {
 std::uint32_t Win32Pinning::DoReadAt(HANDLE handle, std::int64_t position,
                                      std::span<std::byte> buffer, std::uint32_t& done) {
   done = 0;
+  const Pinned* const pin = Find(handle);
+  if (pin == nullptr || pin->file == nullptr) return ERROR_INVALID_HANDLE;
   OVERLAPPED place{};
   const auto bits = static_cast<std::uint64_t>(position);
   place.Offset = static_cast<DWORD>(bits);
@@ -209,7 +221,7 @@ std::uint32_t Win32Pinning::DoReadAt(HANDLE handle, std::int64_t position,
   const auto most =
       static_cast<DWORD>(std::min<std::size_t>(buffer.size(), std::numeric_limits<DWORD>::max()));
   DWORD count = 0;
-  if (::ReadFile(ToSystem(handle), buffer.data(), most, &count, &place) == FALSE) {
+  if (::ReadFile(pin->file, buffer.data(), most, &count, &place) == FALSE) {
     const std::uint32_t code = ::GetLastError();
     return code == ERROR_HANDLE_EOF ? ERROR_SUCCESS : code;
   }
@@ -219,12 +231,16 @@ std::uint32_t Win32Pinning::DoReadAt(HANDLE handle, std::int64_t position,
 
 // A file that cannot be opened for writing cannot be flushed either; nothing is known of it then.
 bool Win32Pinning::DoFlush(HANDLE handle) {
-  if (::FlushFileBuffers(ToSystem(handle)) != FALSE) return true;
+  const Pinned* const pin = Find(handle);
+  if (pin == nullptr) return false;
+  if (::FlushFileBuffers(pin->file) != FALSE) return true;
   const std::uint32_t code = ::GetLastError();
   return code == ERROR_ACCESS_DENIED || Fail(code, false);
 }
 
 bool Win32Pinning::RenameTo(Pinned& pin, const std::wstring& newPath) {
+  if (pin.file == nullptr) return Fail(ERROR_INVALID_HANDLE, false);
+  if (pin.presentPath == newPath) return true;
   if (const std::uint32_t code = RenameThrough(pin.file, newPath)) return Fail(code, false);
   pin.presentPath = newPath;
   return true;
@@ -247,10 +263,10 @@ bool Win32Pinning::DoDelete(HANDLE handle) {
   // The name goes when the last handle is closed, and this one has done its work.
   ::CloseHandle(pin->file);
   pin->file = nullptr;
-  pin->isGone = true;
   FileState left;
   const bool isLeft =
       LookAtPath(pin->presentPath, left) == ERROR_SUCCESS && left.IsSameFileAs(pin->state);
+  pin->isGone = !isLeft;
   return !isLeft || Fail(ERROR_SHARING_VIOLATION, false);
 }
 
@@ -262,10 +278,19 @@ bool Win32Pinning::DoMoveTo(HANDLE handle, TextView newPath, PinnedMove way) {
   if (way == PinnedMove::Rename) return RenameTo(*pin, target.Get());
   if (const std::uint32_t code = win32::CopyForMove(pin->file, pin->presentPath, target.Get()))
     return Fail(code, false);
+  FileState copy;
+  const bool isKnown = LookAtPath(target.Get(), copy) == ERROR_SUCCESS;
   if (DoDelete(handle)) return true;
   const std::uint32_t code = mCalls.lastError;
-  ::SetFileAttributesW(target.Get(), FILE_ATTRIBUTE_NORMAL);
-  ::DeleteFileW(target.Get());
+  // The copy is taken back, while it is that copy and the original is there.
+  FileState now;
+  const bool isCopy =
+      isKnown && LookAtPath(target.Get(), now) == ERROR_SUCCESS && now.IsSameFileAs(copy);
+  FileState original;
+  const bool isThere =
+      LookAtPath(pin->presentPath, original) == ERROR_SUCCESS && original.IsSameFileAs(pin->state);
+  if (isCopy && isThere) ::SetFileAttributesW(target.Get(), FILE_ATTRIBUTE_NORMAL);
+  if (!isCopy || !isThere || ::DeleteFileW(target.Get()) == FALSE) pin->leftPath = target.Get();
   return Fail(code, false);
 }
 
@@ -297,9 +322,11 @@ bool Win32Pinning::DoUnpin(HANDLE handle) {
 
 Text Win32Pinning::DoWhereLeft(HANDLE handle) const {
   const auto found = mPins.find(handle);
-  const bool isLeft = found != mPins.end() && !found->second->isGone &&
-                      found->second->presentPath == found->second->asidePath;
-  return isLeft ? win32::PlainPath(found->second->presentPath) : Text();
+  if (found == mPins.end()) return {};
+  const Pinned& pin = *found->second;
+  if (!pin.leftPath.empty()) return win32::PlainPath(pin.leftPath);
+  const bool isLeft = !pin.isGone && pin.presentPath == pin.asidePath;
+  return isLeft ? win32::PlainPath(pin.presentPath) : Text();
 }
 
 bool Win32Pinning::DoHasBin(TextView path) {

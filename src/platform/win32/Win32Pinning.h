@@ -1,7 +1,8 @@
 // SPDX-License-Identifier: MIT
-// Pins on Windows: handles that let others read only, so that nobody writes to the file, renames or
-// deletes it while the pin lives. A file is deleted and renamed through its handle, whatever its
-// name may be by then.
+// Pins on Windows: handles that let others read only, so that no other program writes to the file
+// while the pin lives, nor renames or deletes a file to keep. A file to remove shares its deletion,
+// since the shell needs that; it is deleted and renamed through its handle, whatever its name may be
+// by then.
 #pragma once
 
 #include <map>
@@ -47,6 +48,7 @@ class Win32Pinning final : public Pinning {
 
   CallState& mCalls;
   std::map<HANDLE, std::unique_ptr<Pinned>> mPins;
+  std::intptr_t mLastPin = 0;
 };
 
 }  // namespace quillmarsh
