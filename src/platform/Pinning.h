@@ -119,7 +119,8 @@ class Pinning : public Role {
 
   // What a removal that failed had to leave under another path, as the file itself or a copy of it.
   [[nodiscard]] Text WhereLeft(HANDLE pin) const { return DoWhereLeft(pin); }
-  // Whether nobody can take a pinned file's name away, so that it need not be taken aside.
+  // Whether a pinned file is removed through its handle, so that it need not be taken aside first,
+  // and a copy to keep cannot be renamed or deleted while it is pinned.
   [[nodiscard]] virtual bool HoldsNames() const = 0;
   // Whether Flush brings all of a volume to the disk, and not the one file alone.
   [[nodiscard]] virtual bool FlushesVolumes() const { return true; }

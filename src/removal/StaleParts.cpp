@@ -20,7 +20,7 @@ constexpr std::int64_t kTicksOfADay = std::int64_t{24} * 60 * 60 * 10'000'000;
 constexpr std::uint32_t kNoPlainFile = FILE_ATTRIBUTE_DIRECTORY | FILE_ATTRIBUTE_REPARSE_POINT;
 
 // A finished copy gets the times of its source before it gets its name: the later of the two tells
-// when somebody was here last.
+// when a program wrote here last.
 bool IsADayOld(const WIN32_FIND_DATAW& entry) {
   const std::int64_t last = std::max(entry.ftCreationTime.Ticks(), entry.ftLastWriteTime.Ticks());
   return last < UtcTicksNow() - kTicksOfADay;
@@ -35,7 +35,7 @@ bool Delete(const Text& path, std::uint32_t attributes) {
          disk.DeleteFileW(path);
 }
 
-// The lock is held until the file is gone, so that nobody takes it up meanwhile.
+// The lock is held until the file is gone, so that no other program takes it up meanwhile.
 bool DeleteWhenStale(const Text& path, const WIN32_FIND_DATAW& entry) {
   FileInputOutput& files = TheMachine().Files();
   const FileHandle file(

@@ -20,8 +20,8 @@ enum class WhenTaken { Fail, Replace };
 [[nodiscard]] std::uint32_t MoveByCopy(const std::wstring& existing, const std::wstring& newPath,
                                        WhenTaken whenTaken);
 
-// The copy alone, from a source that is open and of which nobody can write to it; with the creation
-// time. 183 where the new path is taken.
+// The copy alone, from a source that is open and that no other program can write to; with the
+// creation time. 183 where the new path is taken.
 [[nodiscard]] std::uint32_t CopyForMove(void* source, const std::wstring& existing,
                                         const std::wstring& newPath);
 

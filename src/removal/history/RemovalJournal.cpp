@@ -188,7 +188,7 @@ class LineCutter {
     }
     mText.erase(0, begin);
   }
-  // What stands behind the last line break.
+  // What follows the last line break.
   [[nodiscard]] const Text& Rest() const { return mText; }
 
  private:

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 // The journal of removals, "removal.journal" beside the history. The history tells what became of
 // each file; the journal tells before, so that after a kill at any moment the next run knows which
-// files were under way. It loses nothing of a path, and it only grows.
+// files were not finished. It loses nothing of a path, and it only grows.
 //
 // UTF-16 with its mark. Each line has a line break before it and fields parted by tabs; the last is
 // a check sum of the others, so that a line that is torn, as by a full disk, is known and skipped.
@@ -90,7 +90,7 @@ struct UnfinishedRemoval {
 };
 
 // What was planned, is not known to be done, and belongs to a run that did not end: of a run that
-// was killed, and of one that is under way. A file of the last batch may have gone all the same;
+// was killed, and of one that is running. A file of the last batch may have gone all the same;
 // the disk knows. None when the journal cannot be read.
 [[nodiscard]] std::optional<std::vector<UnfinishedRemoval>> ReadUnfinished();
 
