@@ -378,7 +378,7 @@ TEST_F(Checks, WhatIsInTheDupesFolderGivesWayOnlyToItsLikeAndNeverWhenItIsListed
   RemovalProgram& fresh = Renew();
   const Text kept = u"D:\\data\\[C DRIVE]\\data\\1\\x";
   fresh.Put(kept, 10, 1);
-  fresh.Put(PathOf(u"1\\x"), 10, 1);
+  for (const TextView name : {u"1\\x", u"2\\x"}) fresh.Put(PathOf(name), 10, 1);
   fresh.SearchAll();
   mDupesFolderPath = u"D:\\data\\";
   Mark({u"1\\x"});
